@@ -1,0 +1,79 @@
+#include "board/legality.h"
+
+#include "board/attack_queries.h"
+#include "board/attacks.h"
+
+namespace {
+
+// Is `sq` attacked by `them`, leaving out the men on `removed`, with occupancy `occ`?
+int attacked_after(const Position* pos, int sq, int them, Bitboard removed, Bitboard occ)
+{
+    const Bitboard* p = pos->pieces[them];
+    if (p[PAWN] & ~removed & pawn_attackers_mask(them, sq))
+        return 1;
+    if (p[KNIGHT] & ~removed & KNIGHT_ATTACKS[sq])
+        return 1;
+    Bitboard diag = (p[BISHOP] | p[QUEEN]) & ~removed & BISHOP_RAYS[sq];
+    while (diag)
+        if (!(BETWEEN[pop_lsb(diag)][sq] & occ))
+            return 1;
+    Bitboard ortho = (p[ROOK] | p[QUEEN]) & ~removed & ROOK_RAYS[sq];
+    while (ortho)
+        if (!(BETWEEN[pop_lsb(ortho)][sq] & occ))
+            return 1;
+    return (p[KING] & ~removed & KING_ATTACKS[sq]) ? 1 : 0;
+}
+
+}  // namespace
+
+int is_legal(const Position* pos, int side, Move move)
+{
+    int from = move_from(move), to = move_to(move);
+    int piece = pos->board[from];
+    int them = side ^ 1;
+    if (piece_type(piece) == KING && (to == from + 2 || to == from - 2))
+        return !is_square_attacked(pos, from, them) && !is_square_attacked(pos, to, them)
+               && !is_square_attacked(pos, (from + to) / 2, them);
+    int target = piece_type(piece) == KING ? to : pos->king_square[side];
+    Bitboard removed = bit(to);
+    Bitboard occ = (occupancy(pos) & ~bit(from)) | bit(to);
+    if (piece_type(piece) == PAWN && to == pos->ep_square) {
+        int victim = to - PAWN_STEP[side];
+        removed |= bit(victim);
+        occ &= ~bit(victim);
+    }
+    return !attacked_after(pos, target, them, removed, occ);
+}
+
+PinInfo pin_info(const Position* pos, int side)
+{
+    PinInfo info;
+    int ksq = pos->king_square[side];
+    int them = side ^ 1;
+    const Bitboard* p = pos->pieces[them];
+    Bitboard occ = occupancy(pos);
+    Bitboard snipers = ((p[BISHOP] | p[QUEEN]) & BISHOP_RAYS[ksq]) | ((p[ROOK] | p[QUEEN]) & ROOK_RAYS[ksq]);
+    info.pinned = 0;
+    while (snipers) {
+        Bitboard b = BETWEEN[pop_lsb(snipers)][ksq] & occ;
+        if (b && !(b & (b - 1)) && (b & pos->pieces[side][0]))
+            info.pinned |= b;
+    }
+    info.king_square = uint8_t(ksq);
+    info.in_check = uint8_t(is_square_attacked(pos, ksq, them));
+    return info;
+}
+
+int is_legal_fast(const Position* pos, int side, Move move, const PinInfo& info)
+{
+    int from = move_from(move), to = move_to(move);
+    if (info.in_check || from == info.king_square)
+        return is_legal(pos, side, move);
+    if (to == pos->ep_square && piece_type(pos->board[from]) == PAWN)
+        return is_legal(pos, side, move);
+    if (!(info.pinned & bit(from)))
+        return 1;
+    // A pinned man may only move along the line through its king.
+    int ksq = info.king_square;
+    return (BETWEEN[ksq][to] & bit(from)) || (BETWEEN[ksq][from] & bit(to));
+}

@@ -1,0 +1,14 @@
+// Making and taking back moves, with every key and summary kept incrementally.
+#pragma once
+
+#include "board/position.h"
+
+// `move` must be pseudo-legal for the side to move; nothing is checked.
+void make_move(Position* pos, Move move);
+void unmake_move(Position* pos);
+void make_null(Position* pos);
+void unmake_null(Position* pos);
+
+// Piece placement with every summary kept current (used by the reader too).
+void place_piece(Position* pos, int code, int sq);
+void remove_piece(Position* pos, int sq);

@@ -1,0 +1,38 @@
+// Pseudo-legal move generation into caller-owned lists.
+#pragma once
+
+#include "board/position.h"
+
+// One list entry: 6 bytes. The piece codes travel with the move so that
+// ordering never has to look at the board.
+struct MoveEntry {
+    Move move;
+    int16_t score;     // ordering score, written by the move picker
+    uint8_t piece;     // code of the moving man (before promotion)
+    uint8_t captured;  // code on the to-square, 0 if empty (also en passant)
+};
+static_assert(sizeof(MoveEntry) == 6, "move list entry layout");
+
+// Room for the longest list of one position.
+constexpr int MAX_MOVES = 256;
+
+// Captures of `side` except pawn captures onto the last rank. With a checker
+// square only captures of that man (plus en passant and any king capture).
+MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int checker);
+
+// Promotions by push and capture; queen only unless `all_pieces`.
+MoveEntry* gen_promotions(const Position* pos, int side, bool all_pieces, MoveEntry* list);
+
+// Non-captures except promotions, with castling. With a checker square the
+// men other than the king may only block the check.
+MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checker);
+
+// Every pseudo-legal move of the side to move, ended by MOVE_END; returns the
+// address of the end marker.
+MoveEntry* gen_all(const Position* pos, MoveEntry* list);
+
+// Could `move` have been generated here for the side to move?
+bool is_pseudo_legal(const Position* pos, Move move);
+
+// Legal moves only (for the front end and the tools); returns the count.
+int gen_legal(const Position* pos, MoveEntry* list);

@@ -1,0 +1,46 @@
+#include "board/perft.h"
+
+#include "board/legality.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "search/clock.h"
+#include "search/search_thread.h"
+#include "uci/output.h"
+
+void perft(SearchThread* t, int side, int ply, int depth)
+{
+    Position* pos = &t->pos;
+    MoveEntry* list = ply == 1 ? t->move_buffer : t->plies[ply - 1].move_list;
+    MoveEntry* end = gen_all(pos, list);
+    // The next ply's list starts behind this one.
+    t->plies[ply].move_list = end + 1;
+    PinInfo info = pin_info(pos, side);
+    for (MoveEntry* e = list; e != end; e++) {
+        if (!is_legal_fast(pos, side, e->move, info))
+            continue;
+        if (depth == 1) {
+            t->nodes++;
+            continue;
+        }
+        make_move(pos, e->move);
+        perft(t, side ^ 1, ply + 1, depth - 1);
+        unmake_move(pos);
+    }
+}
+
+uint64_t perft_command(SearchThread* t, int depth)
+{
+    if (depth > 20)
+        depth = 20;
+    if (depth < 0)
+        depth = 0;
+    double start = now_seconds();
+    t->nodes = 0;
+    if (depth >= 1)
+        perft(t, t->pos.side, 1, depth);
+    double seconds = now_seconds() - start;
+    char line[256];
+    send_line(format_line(line, sizeof line, "visited %0.0f nodes in %0.3f seconds, nps= %0.0f", double(t->nodes), seconds,
+                          double(t->nodes) / (seconds + 0.001)));
+    return t->nodes;
+}

@@ -1,0 +1,3 @@
+#include "search/limits.h"
+
+SearchLimits limits;

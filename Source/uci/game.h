@@ -1,0 +1,19 @@
+// The game the front end keeps: its position and history in the game
+// thread's record, changed only between searches.
+#pragma once
+
+#include "board/types.h"
+
+// Sets the game position from FEN text. Text that cannot be played (see
+// position_problem) is refused with a message and the previous position kept.
+// Returns 1 when the position was set.
+int set_game_position(const char* fen);
+
+// Plays a move on the game position, keeping the history within its bounds.
+void play_game_move(Move move);
+
+// Takes back the last game move; 0 when there is none.
+int undo_game_move();
+
+// Prints a message as "info string ..." in UCI mode, plain on the console.
+void send_info(const char* text);

@@ -1,0 +1,71 @@
+// Korvel: start-up, the command line and the main loop.
+#include <cstdlib>
+#include <cstring>
+
+#include "board/fen.h"
+#include "search/clock.h"
+#include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "search/tt.h"
+#include "uci/console_commands.h"
+#include "uci/input.h"
+#include "uci/options.h"
+#include "uci/output.h"
+#include "uci/protocol_mode.h"
+#include "uci/settings.h"
+#include "uci/uci_commands.h"
+
+namespace {
+
+void read_switches(int argc, char** argv)
+{
+    for (int i = 1; i < argc; i++) {
+        const char* a = argv[i];
+        if (!std::strcmp(a, "-uci"))
+            protocol_mode = 1;
+        else if (!std::strcmp(a, "-c"))
+            protocol_mode = 0;
+        else if (!std::strcmp(a, "-log"))
+            settings.log_enabled = 1;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    set_default_settings();
+    protocol_mode = 1;
+    limits.base_max_depth = MAX_SEARCH_DEPTH;
+    limits.max_depth = MAX_SEARCH_DEPTH;
+    reset_game_limits();
+    read_switches(argc, argv);
+
+    game_thread = static_cast<SearchThread*>(std::calloc(1, sizeof(SearchThread)));
+    if (!game_thread)
+        return 1;
+    attach_position(game_thread);
+
+    limits.thread_count = settings.threads;
+    if (!start_threads(limits.thread_count))
+        return 1;
+    if (!tt_allocate(settings.hash_mb))
+        return 1;
+    if (settings.log_enabled)
+        open_log();
+    search_settings = settings;
+
+    set_position(&game_thread->pos, START_FEN);
+    show_game_board();
+    quit_requested = false;
+    while (!quit_requested) {
+        sleep_ms(1);
+        poll_input();
+    }
+
+    stop_threads();
+    std::free(game_thread);
+    close_output_files();
+    return 0;
+}

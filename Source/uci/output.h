@@ -1,0 +1,37 @@
+// The one output channel: every line to the interface passes through
+// send_line, which serialises writers and copies the line to the log.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+struct SearchThread;
+
+constexpr const char* LOG_FILE_NAME = "korvel.log";
+
+// Writes the line and a newline to stdout, flushes, and copies it to the log.
+void send_line(const char* text);
+
+// Bounded formatted print into a caller-owned buffer; returns `buffer`.
+const char* format_line(char* buffer, size_t size, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+// Switches logging on, opening "korvel.log" unless a log is already open.
+void open_log();
+// Switches logging off; the file stays open for a later switch-on.
+void close_log_flag();
+bool log_is_enabled();
+
+// Copies a received command line to the log as "CMD: %s".
+void log_command(const char* line);
+
+// Search-tree tracing into "trace.txt" up to `trace_depth` plies (0 = off).
+extern int8_t trace_depth;
+void trace_move_write(const SearchThread* thread, uint16_t move);
+inline void trace_move(const SearchThread* thread, uint16_t move)
+{
+    if (trace_depth)
+        trace_move_write(thread, move);
+}
+
+// Releases the log and trace files at exit.
+void close_output_files();

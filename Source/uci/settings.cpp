@@ -1,0 +1,46 @@
+#include "uci/settings.h"
+
+#include <cstring>
+
+EngineSettings settings;
+EngineSettings search_settings;
+double noise = 0.0;
+
+const char* const PERSONALITY_NAMES[PERSONALITY_COUNT] = {
+    "Mtl_Pawn", "Mtl_Knight", "Mtl_Bishop", "Mtl_Rook", "Mtl_Queen", "Activity_Knight", "Activity_Bishop",
+    "Activity_Rook", "Activity_Queen", "Pawn_Structure", "Passed_Pawns", "King_Safety", "Threats"};
+
+void set_default_settings()
+{
+    EngineSettings s;
+    std::memset(&s, 0, sizeof s);
+    s.changed = 1;
+    s.hash_mb = 64;
+    s.threads = 1;
+    s.move_overhead = 50;
+    s.ponder = 1;
+    s.multi_pv = 1;
+    s.limit_strength = 0;
+    s.elo = 0;
+    s.log_enabled = 0;
+    s.own_book = 0;
+    s.book_variety = 25;
+    s.book_depth = 24;
+    s.book2_depth = 0;
+    s.tb_probe_depth5 = 0;
+    s.tb_probe_depth6 = 1;
+    s.contempt = 0;
+    s.selectivity = 100;
+    const int16_t search_defaults[SEARCH_SETTING_COUNT] = {0, 3, 75, 3, 3, 125, 3, 3, 100, 6, 2, 3};
+    std::memcpy(s.search, search_defaults, sizeof search_defaults);
+    for (auto& pair : s.personality)
+        pair[0] = pair[1] = 100;
+    search_settings = s;
+    settings = s;
+}
+
+void settings_changed_after_option()
+{
+    settings.changed = 1;
+    search_settings = settings;
+}

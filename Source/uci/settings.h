@@ -1,0 +1,60 @@
+// Every user setting of the engine in one flat record. The front end edits
+// the live record; the search reads a working copy refreshed after every
+// change, so that settings never move under a running search.
+#pragma once
+
+#include <cstdint>
+
+constexpr int PATH_SIZE = 144;  // 143 characters and a terminator
+
+enum Personality {
+    MTL_PAWN, MTL_KNIGHT, MTL_BISHOP, MTL_ROOK, MTL_QUEEN,
+    ACTIVITY_KNIGHT, ACTIVITY_BISHOP, ACTIVITY_ROOK, ACTIVITY_QUEEN,
+    PAWN_STRUCTURE, PASSED_PAWNS, KING_SAFETY, THREATS,
+    PERSONALITY_COUNT
+};
+
+// The twelve search depth settings, in record order.
+enum SearchSetting {
+    SS_LEADING, SEP_DEPTH, SEP_MULT, NMP_DEPTH, FP_DEPTH, FP_MULT, PC_DEPTH, PC_RED, PC_MARGIN,
+    LMP_DEPTH, LMP_MULT, LMR_DEPTH, SEARCH_SETTING_COUNT
+};
+
+struct EngineSettings {
+    int16_t changed;
+    int16_t hash_mb;
+    int16_t threads;
+    int16_t move_overhead;
+    int16_t ponder;
+    int16_t multi_pv;
+    int16_t limit_strength;
+    int16_t elo;  // 0 means the full-strength estimate
+    int16_t log_enabled;
+    int16_t own_book;
+    int16_t book_variety;
+    int16_t book_depth;
+    int16_t book2_depth;
+    char config_file_path[PATH_SIZE];
+    char book_file[PATH_SIZE];
+    char book2_file[PATH_SIZE];
+    char syzygy_path[PATH_SIZE];
+    int16_t tb_probe_depth5;
+    int16_t tb_probe_depth6;
+    int16_t contempt;
+    int16_t selectivity;
+    int16_t search[SEARCH_SETTING_COUNT];
+    int16_t personality[PERSONALITY_COUNT][2];  // opening, endgame percentages
+};
+
+extern EngineSettings settings;         // live record
+extern EngineSettings search_settings;  // the search's working copy
+
+// Console "noise" level; 9999 silences the book listing.
+extern double noise;
+
+extern const char* const PERSONALITY_NAMES[PERSONALITY_COUNT];
+
+void set_default_settings();
+
+// Copies the live record into the working copy and marks it changed.
+void settings_changed_after_option();

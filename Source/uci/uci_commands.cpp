@@ -1,0 +1,270 @@
+#include "uci/uci_commands.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "board/fen.h"
+#include "board/movegen.h"
+#include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "search/tt.h"
+#include "uci/engine_name.h"
+#include "uci/game.h"
+#include "uci/input.h"
+#include "uci/options.h"
+#include "uci/output.h"
+#include "uci/protocol_mode.h"
+#include "uci/settings.h"
+
+namespace {
+
+// Times arrive as milliseconds; anything that is not a sane number is 0.
+double read_seconds(const char* text)
+{
+    double ms = std::strtod(text, nullptr);
+    if (!(ms > 0))
+        return 0.0;
+    if (ms > 1e12)
+        ms = 1e12;
+    return ms * 0.001;
+}
+
+long long read_count(const char* text)
+{
+    long long n = std::strtoll(text, nullptr, 10);
+    return n;
+}
+
+// The number after `keyword` and one separator, or nullptr without the keyword.
+const char* value_after(const char* args, const char* keyword)
+{
+    const char* p = std::strstr(args, keyword);
+    if (!p)
+        return nullptr;
+    p += std::strlen(keyword);
+    return *p ? p + 1 : p;
+}
+
+// Coordinate text to a move code as the protocol spells it; 0 when the text
+// is not a move of that shape.
+Move coordinate_move(const char* token)
+{
+    size_t len = std::strlen(token);
+    if (len < 4)
+        return 0;
+    for (int i = 0; i < 4; i += 2)
+        if (token[i] < 'a' || token[i] > 'h' || token[i + 1] < '1' || token[i + 1] > '8')
+            return 0;
+    int from = (token[0] - 'a') + 8 * (token[1] - '1');
+    int to = (token[2] - 'a') + 8 * (token[3] - '1');
+    Move move = make_move_code(from, to);
+    if (len > 4) {
+        switch (token[4]) {
+        case 'q': move |= PROMO_QUEEN; break;
+        case 'n': move |= PROMO_KNIGHT; break;
+        case 'b': move |= PROMO_BISHOP; break;
+        case 'r': move |= PROMO_ROOK; break;
+        default: break;
+        }
+    }
+    return move;
+}
+
+bool is_legal_game_move(Move move)
+{
+    MoveEntry list[MAX_MOVES];
+    int n = gen_legal(&game_thread->pos, list);
+    for (int i = 0; i < n; i++)
+        if (list[i].move == move)
+            return true;
+    return false;
+}
+
+void setoption_command(const char* args)
+{
+    const char* name = std::strstr(args, "name");
+    const char* value = std::strstr(args, "value");
+    if (!name || !value || value < name)
+        return;
+    name += 4;
+    while (*name == ' ')
+        name++;
+    char option[101];
+    size_t len = size_t(value - name);
+    while (len > 0 && name[len - 1] == ' ')
+        len--;
+    if (len > 100)
+        len = 100;
+    std::memcpy(option, name, len);
+    option[len] = 0;
+    value += 5;
+    while (*value == ' ')
+        value++;
+    set_option(option, value);
+    settings_changed_after_option();
+}
+
+void new_game_command()
+{
+    stop_and_wait(STOP_SILENT);
+    reset_game_limits();
+    game_thread->game_ply = 0;
+    if (count_busy_threads() == 0)
+        tt_clear();
+}
+
+}  // namespace
+
+void reset_game_limits()
+{
+    limits.fixed_limit = 0;
+    limits.move_time = 60.0;
+    limits.increment = 0.0;
+    limits.white_time = 60.0;
+    limits.black_time = 60.0;
+}
+
+void position_command(char* args)
+{
+    char* moves = std::strstr(args, "moves");
+    if (moves)
+        *moves = 0;
+    if (std::strstr(args, "startpos")) {
+        if (!set_game_position(START_FEN))
+            return;
+    } else if (const char* fen = std::strstr(args, "fen")) {
+        fen = std::strlen(fen) >= 4 ? fen + 4 : "";
+        if (!set_game_position(fen))
+            return;
+    } else {
+        return;
+    }
+    if (moves) {
+        char* text = moves + 5;
+        char* save = nullptr;
+        for (char* token = strtok_r(text, " ", &save); token; token = strtok_r(nullptr, " ", &save)) {
+            Move move = coordinate_move(token);
+            if (!move || !is_legal_game_move(move)) {
+                char line[300];
+                send_line(format_line(line, sizeof line, "info string illegal move %.200s", token));
+                break;
+            }
+            play_game_move(move);
+        }
+    }
+    // The search starts without a previous move.
+    game_thread->undo[game_thread->game_ply].move = 0;
+    game_thread->last_move = 0;
+}
+
+void go_command(const char* args)
+{
+    stop_and_wait(STOP_SILENT);
+    limits.fixed_limit = 0;
+    limits.max_depth = limits.base_max_depth;
+    limits.node_limit = limits.base_node_limit;
+    int side = game_thread->pos.side;
+    const char* v;
+    if ((v = value_after(args, "wtime")))
+        limits.white_time = read_seconds(v);
+    if ((v = value_after(args, "btime")))
+        limits.black_time = read_seconds(v);
+    if ((v = value_after(args, "winc")) && side == WHITE)
+        limits.increment = read_seconds(v);
+    if ((v = value_after(args, "binc")) && side == BLACK)
+        limits.increment = read_seconds(v);
+    if ((v = value_after(args, "movestogo"))) {
+        long long n = read_count(v);
+        limits.fixed_limit = 40;
+        limits.max_depth = MAX_SEARCH_DEPTH;
+        limits.moves_to_go = int16_t(n < 1 ? 1 : n > 1000 ? 1000 : n);
+        limits.node_limit = 0;
+    }
+    if ((v = value_after(args, "depth"))) {
+        long long d = read_count(v);
+        limits.fixed_limit = 1;
+        limits.max_depth = uint8_t(d < 1 ? 1 : d > MAX_SEARCH_DEPTH ? MAX_SEARCH_DEPTH : d);
+        limits.move_time = 10000000.0;
+    }
+    if ((v = value_after(args, "nodes"))) {
+        long long n = read_count(v);
+        if (n < 1)
+            n = 1;
+        if (n > (1LL << 50))
+            n = 1LL << 50;
+        // Jittered by up to 4 per cent either way so that games differ.
+        long long r = std::rand();
+        limits.fixed_limit = 1;
+        limits.node_limit = uint64_t(n + n * (40 - r % 80) / 1000);
+        limits.move_time = 10000000.0;
+    }
+    if ((v = value_after(args, "movetime"))) {
+        limits.fixed_limit = 1;
+        limits.increment = 0;
+        limits.move_time = read_seconds(v);
+    }
+    if (std::strstr(args, "infinite")) {
+        limits.increment = 0;
+        limits.node_limit = 0;
+        limits.move_time = 10000000.0;
+        limits.max_depth = MAX_SEARCH_DEPTH;
+        limits.fixed_limit = 1;
+    }
+    limits.search_state = std::strstr(args, "ponder") ? PONDER_REQUESTED : SEARCH_REQUESTED;
+}
+
+void handle_uci_command(char* line)
+{
+    if (!*line)
+        return;
+    log_command(line);
+    while (*line == ' ')
+        line++;
+    char word[128];
+    size_t n = 0;
+    while (line[n] && line[n] != ' ' && line[n] != '\r' && line[n] != '\n' && n < sizeof word - 1) {
+        word[n] = line[n];
+        n++;
+    }
+    word[n] = 0;
+    char* args = line + n;
+    while (*args && *args != ' ')  // a word longer than the buffer
+        args++;
+    if (*args)
+        args++;
+
+    if (!std::strcmp(word, "uci")) {
+        protocol_mode = 1;
+        char text[128];
+        send_line(format_line(text, sizeof text, "id name %s", ENGINE_NAME));
+        send_line("id author Tamsin Vell");
+        print_option_lines();
+        send_line("uciok");
+    } else if (!std::strcmp(word, "isready")) {
+        send_line("readyok");
+    } else if (!std::strcmp(word, "setoption")) {
+        setoption_command(args);
+    } else if (!std::strcmp(word, "debug")) {
+        // Command logging is always on; nothing to do.
+    } else if (!std::strcmp(word, "_show")) {
+        print_search_parameters();
+    } else if (!std::strcmp(word, "ucinewgame")) {
+        new_game_command();
+    } else if (!std::strcmp(word, "position")) {
+        position_command(args);
+    } else if (!std::strcmp(word, "go")) {
+        go_command(args);
+    } else if (!std::strcmp(word, "ponderhit")) {
+        if (limits.search_state == SEARCH_PONDERING)
+            limits.search_state = SEARCH_FINISH;
+    } else if (!std::strcmp(word, "stop")) {
+        if (limits.search_state != SEARCH_IDLE)
+            limits.search_state = SEARCH_FINISH;
+        stop_and_wait(STOP_REPORT);
+    } else if (!std::strcmp(word, "quit")) {
+        stop_and_wait(STOP_SILENT);
+        quit_requested = true;
+    }
+}
