@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "board/attack_queries.h"
+#include "board/attacks.h"
+#include "board/legality.h"
+#include "support/test_positions.h"
+
+namespace {
+
+Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
+{
+    Bitboard att = 0;
+    for (int d = 0; d < 4; d++) {
+        int f = file_of(sq) + df[d], r = rank_of(sq) + dr[d];
+        while (f >= 0 && f < 8 && r >= 0 && r < 8) {
+            att |= bit(make_square(f, r));
+            if (occ & bit(make_square(f, r)))
+                break;
+            f += df[d];
+            r += dr[d];
+        }
+    }
+    return att;
+}
+
+}  // namespace
+
+TEST(Attacks, SlidersMatchASquareBySquareWalk)
+{
+    const int rf[4] = {0, 0, 1, -1}, rr[4] = {1, -1, 0, 0};
+    const int bf[4] = {1, 1, -1, -1}, br[4] = {1, -1, 1, -1};
+    std::mt19937_64 rng(7);
+    for (int i = 0; i < 20000; i++) {
+        Bitboard occ = rng() & rng();
+        int sq = int(rng() % 64);
+        ASSERT_EQ(rook_attacks(sq, occ), walk(sq, occ, rf, rr)) << sq << " " << occ;
+        ASSERT_EQ(bishop_attacks(sq, occ), walk(sq, occ, bf, br)) << sq << " " << occ;
+    }
+    // Empty boards exercise the sentinel squares at both ends.
+    for (int sq = 0; sq < 64; sq++) {
+        EXPECT_EQ(rook_attacks(sq, 0), ROOK_RAYS[sq]);
+        EXPECT_EQ(bishop_attacks(sq, 0), BISHOP_RAYS[sq]);
+    }
+    // Rook on a1, blocker on a5: a2..a5 and the whole first rank.
+    EXPECT_EQ(rook_attacks(0, bit(32)), bit(8) | bit(16) | bit(24) | bit(32) | 0xFEULL);
+}
+
+TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
+{
+    EXPECT_EQ(BETWEEN[0][63], 0x0040201008040200ULL);
+    EXPECT_EQ(BETWEEN[0][1], 0ULL);      // neighbours
+    EXPECT_EQ(BETWEEN[0][17], 0ULL);     // a knight's step apart
+    EXPECT_EQ(BETWEEN[4][60], BETWEEN[60][4]);
+    EXPECT_EQ(popcount(BETWEEN[4][60]), 6);
+}
+
+TEST(Attacks, AttackerQueriesFollowTheirOrder)
+{
+    SearchThread* t = new_test_thread();
+    // Pawn on d4 and knight on b3 both attack c5... from White: pawn b4 and knight a4.
+    set_test_position(t, "4k3/8/8/2p5/NP6/8/8/4K3 w - -");
+    int c5 = make_square(2, 4);
+    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3));  // the pawn, not the knight
+    EXPECT_EQ(find_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3));
+    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos) & ~bit(make_square(1, 3))), make_square(0, 3));
+    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, 0), NO_SQUARE);
+    EXPECT_TRUE(is_square_attacked(&t->pos, c5, WHITE));
+    EXPECT_FALSE(is_square_attacked(&t->pos, make_square(7, 7), WHITE));
+    free_test_thread(t);
+}
+
+TEST(Legality, EnPassantAndCastlingEdgeCases)
+{
+    SearchThread* t = new_test_thread();
+    // Both pawns leave the fifth rank: the rook on a5 would see the king on h5.
+    set_test_position(t, "8/8/8/r2Pp2K/8/8/8/4k3 w - e6");
+    Move ep = make_move_code(make_square(3, 4), make_square(4, 5));
+    EXPECT_FALSE(is_legal(&t->pos, WHITE, ep));
+
+    // Queen-side castling ignores an attack on b1 but not on d1.
+    set_test_position(t, "1r2k3/8/8/8/8/8/8/R3K3 w Q -");
+    Move ooo = make_move_code(4, 2);
+    EXPECT_TRUE(is_legal(&t->pos, WHITE, ooo));
+    set_test_position(t, "3rk3/8/8/8/8/8/8/R3K3 w Q -");
+    EXPECT_FALSE(is_legal(&t->pos, WHITE, ooo));
+    free_test_thread(t);
+}
+
+// The pin-based shortcut must agree with the full test on every move.
+TEST(Legality, FastTestAgreesWithFullTest)
+{
+    SearchThread* t = new_test_thread();
+    for (const PerftCase& c : load_perft_cases()) {
+        set_test_position(t, c.fen);
+        MoveEntry list[MAX_MOVES];
+        gen_all(&t->pos, list);
+        PinInfo info = pin_info(&t->pos, t->pos.side);
+        for (MoveEntry* e = list; e->move != MOVE_END; e++)
+            ASSERT_EQ(is_legal(&t->pos, t->pos.side, e->move), is_legal_fast(&t->pos, t->pos.side, e->move, info))
+                << c.fen << " move " << e->move;
+    }
+    free_test_thread(t);
+}

@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+
+#include "board/epd.h"
+#include "board/fen.h"
+#include "support/test_positions.h"
+
+namespace {
+
+std::string first_fields(const std::string& fen, int n = 4)
+{
+    std::istringstream in(fen);
+    std::string out, field;
+    for (int i = 0; i < n && in >> field; i++)
+        out += (i ? " " : "") + field;
+    return out;
+}
+
+}  // namespace
+
+TEST(Fen, WriterGivesTheFourFieldsBack)
+{
+    SearchThread* t = new_test_thread();
+    std::vector<std::string> fens;
+    for (const PerftCase& c : load_perft_cases())
+        fens.push_back(c.fen);
+    for (const std::string& f : load_opening_fens(500))
+        fens.push_back(f);
+    char out[128];
+    for (const std::string& f : fens) {
+        EXPECT_EQ(set_position(&t->pos, f.c_str()), 0) << f;
+        write_fen(&t->pos, out);
+        EXPECT_EQ(out, first_fields(f)) << f;
+    }
+    free_test_thread(t);
+}
+
+TEST(Fen, ReaderDetails)
+{
+    SearchThread* t = new_test_thread();
+    t->game_ply = 9;
+    EXPECT_EQ(set_position(&t->pos, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1"), 0);
+    EXPECT_EQ(t->pos.ep_square, 20);
+    EXPECT_EQ(t->pos.fifty, 0);
+    EXPECT_EQ(t->game_ply, 0);
+    EXPECT_EQ(t->search_ply, 1);
+    char out[128];
+    write_fen(&t->pos, out);
+    EXPECT_STREQ(out, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
+
+    // A right without its rook is removed (and reported).
+    EXPECT_EQ(set_position(&t->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
+    EXPECT_EQ(t->pos.castling, 2 | 4 | 8);
+    free_test_thread(t);
+}
+
+TEST(Fen, UnplayablePositionsAreNamed)
+{
+    SearchThread* t = new_test_thread();
+    struct Case {
+        const char* fen;
+        bool ok;
+    } cases[] = {
+        {"4k3/8/8/8/8/8/8/4K3 w - -", true},
+        {"8/8/8/8/8/8/8/4K3 w - -", false},                // no black king
+        {"4k3/8/8/8/8/8/8/3KK3 w - -", false},             // two white kings
+        {"4k3/8/8/8/8/8/4Q3/4K3 w - -", false},            // black, not to move, is in check
+        {"4k3/8/8/8/8/8/4Q3/4K3 b - -", true},
+        {"P3k3/8/8/8/8/8/8/4K3 w - -", false},             // pawn on the last rank
+        {"4k3/8/8/8/8/8/8/4K3 w - e6", false},             // no pawn behind the en-passant square
+        {"QQQQkQQQ/QQQQQQQQ/8/8/8/8/8/4K3 b - -", false},  // impossible material
+    };
+    for (const Case& c : cases) {
+        read_fen(&t->pos, c.fen);
+        EXPECT_EQ(position_problem(&t->pos) == nullptr, c.ok) << c.fen;
+    }
+    free_test_thread(t);
+}
+
+TEST(Epd, SplitterTakesOnlyTerminatedOperations)
+{
+    EpdFields f{};
+    split_epd("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3 bm Nf3 Nc3; id \"x 1\"; ce 12;", &f);
+    EXPECT_STREQ(f.fen, "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -");
+    EXPECT_STREQ(f.bm, "Nf3Nc3");
+    EXPECT_STREQ(f.id, "\"x1\"");
+    EXPECT_STREQ(f.ce, "12");
+
+    EpdFields g{};
+    std::strcpy(g.id, "kept");
+    split_epd("4k3/8/8/8/8/8/8/4K3 w - - bm e4;id x", &g);
+    EXPECT_STREQ(g.bm, "e4");
+    EXPECT_STREQ(g.id, "kept");
+}

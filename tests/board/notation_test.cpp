@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "board/fen.h"
+#include "board/movegen.h"
+#include "board/notation.h"
+#include "support/test_positions.h"
+#include "uci/protocol_mode.h"
+
+namespace {
+
+Move parse(const Position* pos, const char* text)
+{
+    Move m = 0;
+    return parse_move(pos, text, &m) ? m : Move(0);
+}
+
+}  // namespace
+
+// Every legal move of the data positions reads back from its own texts. The
+// plain SAN form may only fail where the deliberate simplification leaves it
+// ambiguous: another man of the same kind reaches the square from a
+// different file and rank.
+TEST(Notation, EveryMoveReadsBackFromItsTexts)
+{
+    SearchThread* t = new_test_thread();
+    int ambiguous = 0;
+    for (const PerftCase& c : load_perft_cases()) {
+        set_test_position(t, c.fen);
+        MoveEntry list[MAX_MOVES];
+        int n = gen_legal(&t->pos, list);
+        for (int i = 0; i < n; i++) {
+            Move m = list[i].move;
+            char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE];
+            move_texts(&t->pos, m, coord, san, sf, sr);
+            ASSERT_EQ(parse(&t->pos, coord), m) << c.fen << " " << coord;
+            if (parse(&t->pos, san) == m)
+                continue;
+            bool rival = false;
+            for (int j = 0; j < n; j++) {
+                Move o = list[j].move;
+                if (o != m && move_to(o) == move_to(m) && list[j].piece == list[i].piece
+                    && file_of(move_from(o)) != file_of(move_from(m)) && rank_of(move_from(o)) != rank_of(move_from(m)))
+                    rival = true;
+            }
+            ASSERT_TRUE(rival) << c.fen << " san " << san;
+            ambiguous++;
+        }
+    }
+    EXPECT_GT(ambiguous, 0);  // the data holds such cases
+    free_test_thread(t);
+}
+
+TEST(Notation, FormsOfOneMove)
+{
+    SearchThread* t = new_test_thread();
+    set_test_position(t, "4k3/4P3/8/8/8/8/8/4K3 w - -");
+    Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_QUEEN);
+    for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q"})
+        EXPECT_EQ(parse(&t->pos, text), 0) << text;  // e8 is occupied by the king: no such move
+    set_test_position(t, "7k/4P3/8/8/8/8/8/4K3 w - -");
+    for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q", "e8=Q+"})
+        EXPECT_EQ(parse(&t->pos, text), promo) << text;
+
+    // Two knights reach d2: the short form is ambiguous, both long forms work.
+    set_test_position(t, "4k3/8/8/8/8/5N2/8/1N2K3 w - -");
+    EXPECT_EQ(parse(&t->pos, "Nd2"), 0);
+    EXPECT_EQ(parse(&t->pos, "Nbd2"), make_move_code(1, 11));
+    EXPECT_EQ(parse(&t->pos, "N1d2"), make_move_code(1, 11));
+    char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE];
+    move_texts(&t->pos, make_move_code(1, 11), coord, san, sf, sr);
+    EXPECT_STREQ(san, "Nd2");
+
+    set_test_position(t, "4k3/8/8/8/8/8/8/4K2R w K -");
+    for (const char* text : {"0-0", "O-O", "o-o"})
+        EXPECT_EQ(parse(&t->pos, text), make_move_code(4, 6)) << text;
+
+    // Captures, en passant and the check mark.
+    set_test_position(t, "4k3/8/8/3pP3/8/8/8/4K3 w - d6");
+    Move ep = make_move_code(make_square(4, 4), make_square(3, 5));
+    move_texts(&t->pos, ep, coord, san, sf, sr);
+    EXPECT_STREQ(san, "exd6");
+    EXPECT_STREQ(sf, "ed");
+    EXPECT_STREQ(sr, "");
+    set_test_position(t, "4k3/8/8/8/8/8/8/R3K3 w - -");
+    move_texts(&t->pos, make_move_code(0, 56), coord, san, sf, sr);
+    EXPECT_STREQ(san, "Ra8+");
+    EXPECT_STREQ(coord, "a1a8+");
+    free_test_thread(t);
+}
+
+TEST(Notation, CoordinateTextByDialect)
+{
+    char text[MOVE_TEXT_SIZE];
+    Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_KNIGHT);
+    int16_t saved = protocol_mode;
+    protocol_mode = 1;
+    move_to_coord(promo, text);
+    EXPECT_STREQ(text, "e7e8n");
+    protocol_mode = 0;
+    move_to_coord(promo, text);
+    EXPECT_STREQ(text, "e7e8=N");
+    move_to_coord(0, text);
+    EXPECT_STREQ(text, "null");
+    protocol_mode = saved;
+}

@@ -1,0 +1,35 @@
+#include <gtest/gtest.h>
+
+#include "board/perft.h"
+#include "support/test_positions.h"
+
+// Every data position to the deepest depth whose count stays within 5 million;
+// deeper counts run in the benchmarks.
+TEST(Perft, MatchesReferenceCounts)
+{
+    SearchThread* t = new_test_thread();
+    int checked = 0;
+    for (const PerftCase& c : load_perft_cases()) {
+        int depth = 0;
+        while (depth < int(c.counts.size()) && c.counts[depth] <= 5000000)
+            depth++;
+        ASSERT_GT(depth, 0) << c.fen;
+        set_test_position(t, c.fen);
+        t->nodes = 0;
+        perft(t, t->pos.side, 1, depth);
+        EXPECT_EQ(t->nodes, c.counts[depth - 1]) << c.fen << " depth " << depth;
+        checked++;
+    }
+    EXPECT_EQ(checked, 51);
+    free_test_thread(t);
+}
+
+TEST(Perft, CommandClampsDepth)
+{
+    SearchThread* t = new_test_thread();
+    set_test_position(t, "4k3/8/8/8/8/8/8/4K3 w - -");
+    EXPECT_EQ(perft_command(t, 0), 0u);
+    EXPECT_EQ(perft_command(t, -3), 0u);
+    EXPECT_EQ(perft_command(t, 1), 5u);
+    free_test_thread(t);
+}

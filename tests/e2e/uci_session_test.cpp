@@ -1,0 +1,113 @@
+// The engine binary over pipes, as an interface drives it.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include <sys/stat.h>
+
+#include "support/engine_process.h"
+
+TEST(UciSession, HandshakeReadyAndQuit)
+{
+    EngineProcess e;
+    e.send_line("uci");
+    std::vector<std::string> seen;
+    ASSERT_EQ(e.wait_for("uciok", 10000, &seen), "uciok");
+    EXPECT_EQ(seen.at(0), "id name Korvel 4.50");
+    EXPECT_EQ(seen.at(1), "id author Tamsin Vell");
+    e.send_line("isready");
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(UciSession, LinesAreFramedWhateverTheWrites)
+{
+    EngineProcess e;
+    e.send("isready\nisready\n");  // two commands in one write
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+
+    e.send("isre");  // one command split across two writes
+    std::string line;
+    EXPECT_FALSE(e.read_line(&line, 300)) << line;
+    e.send("ady\r\n");
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+
+    // Binary noise, an over-long line and stray separators change nothing.
+    std::mt19937 rng(3);
+    std::string noise;
+    for (int i = 0; i < 20000; i++)
+        noise.push_back(char(rng() % 256));
+    e.send(noise + "\n" + std::string(12000, 'x') + "\nis@ready\n\r\n");
+    e.send("isready\n");
+    EXPECT_EQ(e.wait_for("readyok", 15000), "readyok");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(UciSession, EndOfInputActsAsQuit)
+{
+    EngineProcess e;
+    e.send("isready");  // no line end before the input closes
+    e.close_input();
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(UciSession, IllegalMoveInPositionIsReported)
+{
+    EngineProcess e;
+    e.send_line("position startpos moves e2e4 e7e5 e1e3 g1f3");
+    EXPECT_EQ(e.wait_for("info string"), "info string illegal move e1e3");
+    e.send_line("position fen 8/8/8/8/8/8/8/4K3 w - - 0 1");
+    EXPECT_EQ(e.wait_for("info string").rfind("info string invalid position", 0), 0u);
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(UciSession, LogHoldsOutputAndCommands)
+{
+    std::string dir = make_temp_dir();
+    {
+        EngineProcess e({"-log"}, dir);
+        e.send_line("isready");
+        EXPECT_EQ(e.wait_for("readyok"), "readyok");
+        e.send_line("quit");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+    std::ifstream log(dir + "/korvel.log");
+    std::stringstream text;
+    text << log.rdbuf();
+    EXPECT_NE(text.str().find("CMD: isready\nreadyok\nCMD: quit\n"), std::string::npos) << text.str();
+
+    // A log that cannot be deleted belongs to someone else.
+    std::string busy = make_temp_dir();
+    mkdir((busy + "/korvel.log").c_str(), 0755);
+    EngineProcess e({"-log"}, busy);
+    EXPECT_EQ(e.wait_for("log file"), "log file in use.");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(ConsoleSession, PerftAndMoves)
+{
+    EngineProcess e({"-c"});
+    e.send_line("perft 3");
+    EXPECT_EQ(e.wait_for("visited").rfind("visited 8902 nodes in ", 0), 0u);
+    e.send_line("e4");
+    EXPECT_NE(e.wait_for("rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"), "");
+    e.send_line("Ke7x");
+    EXPECT_EQ(e.wait_for("can't"), "can't parse move 'Ke7x'");
+    e.send_line("uci");  // switches to UCI for good
+    EXPECT_EQ(e.wait_for("uciok"), "uciok");
+    e.send_line("perft 3");  // a console word is now ignored
+    e.send_line("isready");
+    std::vector<std::string> seen;
+    EXPECT_EQ(e.wait_for("readyok", 10000, &seen), "readyok");
+    EXPECT_EQ(seen.size(), 1u);
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}

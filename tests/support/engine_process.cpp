@@ -1,0 +1,134 @@
+#include "support/engine_process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+
+EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir)
+{
+    int to_child[2], from_child[2];
+    if (pipe(to_child) != 0 || pipe(from_child) != 0)
+        return;
+    pid_ = fork();
+    if (pid_ == 0) {
+        dup2(to_child[0], 0);
+        dup2(from_child[1], 1);
+        close(to_child[1]);
+        close(from_child[0]);
+        if (!workdir.empty() && chdir(workdir.c_str()) != 0)
+            _exit(127);
+        std::vector<char*> argv;
+        argv.push_back(const_cast<char*>(KORVEL_BINARY));
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        execv(KORVEL_BINARY, argv.data());
+        _exit(127);
+    }
+    close(to_child[0]);
+    close(from_child[1]);
+    in_fd_ = to_child[1];
+    out_fd_ = from_child[0];
+    signal(SIGPIPE, SIG_IGN);
+}
+
+EngineProcess::~EngineProcess()
+{
+    close_input();
+    if (pid_ > 0 && !exited_) {
+        if (wait_exit(5000) < 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+        }
+    }
+    if (out_fd_ >= 0)
+        close(out_fd_);
+}
+
+void EngineProcess::send(const std::string& text)
+{
+    size_t done = 0;
+    while (in_fd_ >= 0 && done < text.size()) {
+        ssize_t n = write(in_fd_, text.data() + done, text.size() - done);
+        if (n <= 0)
+            return;
+        done += size_t(n);
+    }
+}
+
+void EngineProcess::close_input()
+{
+    if (in_fd_ >= 0)
+        close(in_fd_);
+    in_fd_ = -1;
+}
+
+bool EngineProcess::read_line(std::string* line, int timeout_ms)
+{
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
+    for (;;) {
+        size_t nl = buffer_.find('\n');
+        if (nl != std::string::npos) {
+            *line = buffer_.substr(0, nl);
+            buffer_.erase(0, nl + 1);
+            return true;
+        }
+        int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+        if (left <= 0 || out_fd_ < 0)
+            return false;
+        pollfd pfd{out_fd_, POLLIN, 0};
+        if (poll(&pfd, 1, left) <= 0)
+            return false;
+        char chunk[4096];
+        ssize_t n = read(out_fd_, chunk, sizeof chunk);
+        if (n <= 0)
+            return false;
+        buffer_.append(chunk, size_t(n));
+    }
+}
+
+std::string EngineProcess::wait_for(const std::string& prefix, int timeout_ms, std::vector<std::string>* seen)
+{
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
+    std::string line;
+    for (;;) {
+        int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+        if (left <= 0 || !read_line(&line, left))
+            return "";
+        if (seen)
+            seen->push_back(line);
+        if (line.compare(0, prefix.size(), prefix) == 0)
+            return line;
+    }
+}
+
+int EngineProcess::wait_exit(int timeout_ms)
+{
+    if (pid_ <= 0)
+        return -1;
+    for (int waited = 0; waited <= timeout_ms; waited += 5) {
+        int status = 0;
+        pid_t r = waitpid(pid_, &status, WNOHANG);
+        if (r == pid_) {
+            exited_ = true;
+            return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        }
+        usleep(5000);
+    }
+    return -1;
+}
+
+std::string data_path(const std::string& relative) { return std::string(KORVEL_DATA_DIR) + "/" + relative; }
+
+std::string make_temp_dir()
+{
+    char pattern[] = "/tmp/korvel_test_XXXXXX";
+    char* dir = mkdtemp(pattern);
+    return dir ? dir : "/tmp";
+}

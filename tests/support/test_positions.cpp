@@ -1,0 +1,64 @@
+#include "support/test_positions.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "board/fen.h"
+#include "search/tt.h"
+#include "support/engine_process.h"
+
+SearchThread* new_test_thread()
+{
+    static bool keys = false;
+    if (!keys) {
+        tt_allocate(1);
+        keys = true;
+    }
+    SearchThread* t = static_cast<SearchThread*>(std::calloc(1, sizeof(SearchThread)));
+    attach_position(t);
+    return t;
+}
+
+void free_test_thread(SearchThread* t) { std::free(t); }
+
+void set_test_position(SearchThread* t, const std::string& fen)
+{
+    set_position(&t->pos, fen.c_str());
+    const char* problem = position_problem(&t->pos);
+    ASSERT_EQ(problem, nullptr) << fen << ": " << problem;
+}
+
+std::vector<PerftCase> load_perft_cases()
+{
+    std::vector<PerftCase> cases;
+    std::ifstream in(data_path("perft.epd"));
+    std::string line;
+    while (std::getline(in, line)) {
+        size_t semi = line.find(';');
+        if (semi == std::string::npos)
+            continue;
+        PerftCase c;
+        c.fen = line.substr(0, semi);
+        std::istringstream ops(line.substr(semi));
+        std::string tag;
+        uint64_t n;
+        while (ops >> tag >> n)
+            c.counts.push_back(n);
+        cases.push_back(c);
+    }
+    return cases;
+}
+
+std::vector<std::string> load_opening_fens(size_t max_count)
+{
+    std::vector<std::string> fens;
+    std::ifstream in(data_path("openings/noob_3moves_10k.epd"));
+    std::string line;
+    while (fens.size() < max_count && std::getline(in, line))
+        if (line.size() > 10)
+            fens.push_back(line);
+    return fens;
+}

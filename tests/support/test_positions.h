@@ -1,0 +1,23 @@
+// Shared test fixtures: engine tables set up once, positions from the data files.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "search/search_thread.h"
+
+struct PerftCase {
+    std::string fen;
+    std::vector<uint64_t> counts;  // counts[d - 1] for depth d
+};
+
+// Keys made and a fresh record; set_position not yet called.
+SearchThread* new_test_thread();
+void free_test_thread(SearchThread* t);
+
+// Sets the thread's position, failing the test on an invalid FEN.
+void set_test_position(SearchThread* t, const std::string& fen);
+
+std::vector<PerftCase> load_perft_cases();
+std::vector<std::string> load_opening_fens(size_t max_count);

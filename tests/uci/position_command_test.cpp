@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "board/fen.h"
+#include "search/limits.h"
+#include "uci/game.h"
+#include "uci/uci_commands.h"
+#include "support/test_positions.h"
+
+namespace {
+
+class PositionCommand : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        saved_ = game_thread;
+        game_thread = new_test_thread();
+        set_position(&game_thread->pos, START_FEN);
+    }
+    void TearDown() override
+    {
+        free_test_thread(game_thread);
+        game_thread = saved_;
+    }
+    std::string fen() const
+    {
+        char text[128];
+        write_fen(&game_thread->pos, text);
+        return text;
+    }
+    void run(const char* args)
+    {
+        char buffer[512];
+        std::strcpy(buffer, args);
+        position_command(buffer);
+    }
+    SearchThread* saved_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(PositionCommand, AppliesMovesAndStopsAtTheFirstIllegalOne)
+{
+    run("startpos moves e2e4 e7e5");
+    EXPECT_EQ(fen(), "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6");
+    EXPECT_EQ(game_thread->game_ply, 2);
+    run("fen 4k3/P7/8/8/8/8/8/4K3 w - - 0 1 moves a7a8n e8d7");
+    EXPECT_EQ(fen(), "N7/3k4/8/8/8/8/8/4K3 w - -");
+    run("startpos moves e2e4 e7e4 g1f3");
+    EXPECT_EQ(fen(), "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
+    run("startpos moves e2e4 zz");
+    EXPECT_EQ(game_thread->game_ply, 1);
+}
+
+TEST_F(PositionCommand, RefusedPositionsKeepThePreviousOne)
+{
+    run("startpos moves d2d4");
+    std::string before = fen();
+    run("fen 8/8/8/8/8/8/8/8 w - - 0 1 moves e2e4");
+    EXPECT_EQ(fen(), before);
+    run("fen");
+    EXPECT_EQ(fen(), before);
+    run("nothing useful");
+    EXPECT_EQ(fen(), before);
+}
+
+TEST_F(PositionCommand, VeryLongGamesKeepTheirHistoryBounded)
+{
+    std::string moves = "startpos moves";
+    for (int i = 0; i < 220; i++)
+        moves += " g1f3 g8f6 f3g1 f6g8";
+    char* buffer = new char[moves.size() + 1];
+    std::strcpy(buffer, moves.c_str());
+    position_command(buffer);
+    delete[] buffer;
+    EXPECT_LT(game_thread->game_ply, MAX_GAME_PLY - 2 * MAX_PLY);
+    EXPECT_EQ(fen(), START_FEN);
+}
+
+TEST(GoCommand, ParsesLimits)
+{
+    SearchThread* saved = game_thread;
+    game_thread = new_test_thread();
+    set_position(&game_thread->pos, START_FEN);
+    limits.base_max_depth = MAX_SEARCH_DEPTH;
+    go_command("wtime -100 btime 2500 winc 30 binc 40");
+    EXPECT_EQ(limits.white_time, 0.0);
+    EXPECT_DOUBLE_EQ(limits.black_time, 2.5);
+    EXPECT_DOUBLE_EQ(limits.increment, 0.03);
+    EXPECT_EQ(limits.fixed_limit, 0);
+    EXPECT_EQ(limits.search_state, SEARCH_REQUESTED);
+    go_command("depth 200");
+    EXPECT_EQ(limits.max_depth, MAX_SEARCH_DEPTH);
+    EXPECT_EQ(limits.fixed_limit, 1);
+    go_command("nodes 100000");
+    EXPECT_GE(limits.node_limit, 96000u);
+    EXPECT_LE(limits.node_limit, 104000u);
+    go_command("movestogo 12 wtime nan");
+    EXPECT_EQ(limits.fixed_limit, 40);
+    EXPECT_EQ(limits.moves_to_go, 12);
+    EXPECT_EQ(limits.white_time, 0.0);
+    go_command("ponder movetime 1500");
+    EXPECT_EQ(limits.search_state, PONDER_REQUESTED);
+    EXPECT_DOUBLE_EQ(limits.move_time, 1.5);
+    limits.search_state = SEARCH_IDLE;
+    free_test_thread(game_thread);
+    game_thread = saved;
+}
