@@ -43,6 +43,9 @@ struct SearchLimits {
     uint8_t base_max_depth;    // what each go starts from (the command line may set it)
     uint64_t base_node_limit;
 
+    int engine_side;       // the side the engine plays in this search
+    double contempt_gate;  // contempt applies while this is at most 90000
+
     int thread_count;
     double full_nps;  // the machine's full search rate, from the start-up calibration
     double full_elo;  // the engine's own rating estimate at full speed

@@ -4,6 +4,7 @@
 
 #include "board/movegen.h"
 #include "board/position.h"
+#include "eval/eval_cache.h"
 #include "search/ply_info.h"
 
 // Room for the move lists of one line: the list of ply p starts where the
@@ -20,6 +21,15 @@ struct SearchThread {
 
     uint64_t nodes;
     uint8_t iteration_depth;
+
+    // Evaluation caches and counters.
+    PawnHashEntry pawn_hash[PAWN_HASH_SIZE];
+    EvalHashEntry eval_hash[EVAL_HASH_SIZE];
+    uint64_t eval_count;
+    uint64_t pawn_probes, pawn_hits;
+    uint64_t eval_probes, eval_hits;
+    uint8_t tuning;  // record each row's coefficient (tuner only)
+
     PlyInfo plies[MAX_PLY];
     MoveEntry move_buffer[MOVE_BUFFER_SIZE];
 };

@@ -6,6 +6,12 @@
 // Creates `n` workers (at least one); false when a thread cannot be created.
 bool start_threads(int n);
 
+struct SearchThread;
+
+// The workers that exist now, by number.
+int worker_count();
+SearchThread* worker(int i);
+
 // Stops and frees every worker.
 void stop_threads();
 

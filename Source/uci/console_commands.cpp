@@ -13,6 +13,7 @@
 #include "board/notation.h"
 #include "board/perft.h"
 #include "board/see.h"
+#include "eval/evaluate.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
@@ -241,6 +242,9 @@ void handle_console_command(char* line)
         trace_depth = int8_t(d < 0 ? 0 : d > 100 ? 100 : d);
     } else if (!std::strcmp(cmd, "load")) {
         load_command(w.text[1], w.text[2]);
+    } else if (!std::strcmp(cmd, "eval")) {
+        int level = std::atoi(w.text[1]) >= 2 ? 2 : 1;
+        evaluate(game_thread, game_thread->pos.side, 0, 0, level);
     } else if (!std::strcmp(cmd, "new")) {
         if (set_game_position(START_FEN))
             show_game_board();

@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "board/fen.h"
+#include "eval/evaluate.h"
+#include "eval/params.h"
 #include "search/clock.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
@@ -55,6 +57,9 @@ int main(int argc, char** argv)
     if (settings.log_enabled)
         open_log();
     search_settings = settings;
+    init_evaluation();
+    init_eval_params(0);
+    settings.changed = search_settings.changed = 0;
 
     set_position(&game_thread->pos, START_FEN);
     show_game_board();

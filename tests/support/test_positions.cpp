@@ -8,12 +8,14 @@
 
 #include "board/fen.h"
 #include "search/tt.h"
+#include "uci/settings.h"
 #include "support/engine_process.h"
 
 SearchThread* new_test_thread()
 {
     static bool keys = false;
     if (!keys) {
+        set_default_settings();
         tt_allocate(1);
         keys = true;
     }

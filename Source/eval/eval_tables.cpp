@@ -1,0 +1,45 @@
+#include "eval/eval_tables.h"
+
+#include <cmath>
+
+#include "eval/params.h"
+
+DerivedTables derived;
+
+namespace {
+
+// Both halves of a row's working values times a factor, rounded half away from zero.
+Score scaled(int row, double factor)
+{
+    const EvalParam& p = param_table[row];
+    return make_score(int(std::lround(p.opening_f * factor)), int(std::lround(p.endgame_f * factor)));
+}
+
+}  // namespace
+
+void refresh_derived_tables()
+{
+    for (int row = 0; row < PARAM_ROWS; row++)
+        param_score[row] = param_table[row].score;
+    for (int n = 0; n < 9; n++)
+        derived.knight_mobility[n] = scaled(KNIGHT_MOBILITY, KNIGHT_CURVE[n]);
+    for (int n = 0; n < 14; n++)
+        derived.bishop_mobility[n] = scaled(BISHOP_MOBILITY, BISHOP_CURVE[n]);
+    for (int n = 0; n < 15; n++)
+        derived.rook_mobility[n] = scaled(ROOK_MOBILITY, ROOK_CURVE[n]);
+    for (int n = 0; n < 28; n++)
+        derived.queen_mobility[n] = scaled(QUEEN_MOBILITY, QUEEN_CURVE[n]);
+    for (int count = 0; count <= 9; count++)
+        derived.shield[count] = scaled(PAWN_SHIELD, float(count - 9) * 0.111f);
+    for (int d = 0; d <= MAX_DANGER; d++) {
+        float f = float(d) * 0.0018f * float(d);
+        derived.king_danger[0][d] = scaled(KING_DANGER1, f);
+        derived.king_danger[1][d] = scaled(KING_DANGER2, f);
+    }
+    for (int r = 0; r < 8; r++)
+        for (int dist = 0; dist < 8; dist++) {
+            float x = float(dist) * PASSER_KING_WEIGHT[r];
+            derived.passer_own_king[r][dist] = scaled(PPAWN_FKING_DIST, x);
+            derived.passer_enemy_king[r][dist] = scaled(PPAWN_EKING_DIST, x);
+        }
+}

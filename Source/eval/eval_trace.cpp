@@ -1,0 +1,72 @@
+#include "eval/eval_trace.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "board/notation.h"
+#include "eval/params.h"
+
+namespace {
+
+int blend(Score s, double phase)
+{
+    return int(double(opening_of(s)) * (1.0 - phase) + double(endgame_of(s)) * phase);
+}
+
+const char* const LABELS[EVAL_GROUPS] = {"pawns:", "knights:", "bishops:", "rooks:",
+                                         "queens:", "king:", "ppawns:", "other:"};
+
+struct TableTitle {
+    const char* title;
+    int row;
+};
+
+const TableTitle TABLES[13] = {{"Pawn1", PST_P1},  {"Connected Pawn", PST_CP}, {"Defended Pawn", PST_DP},
+                               {"Knight1", PST_N1}, {"Bishop1", PST_B1},        {"Rook1", PST_R1},
+                               {"Queen1", PST_Q1},  {"King", PST_K},            {"Pawn2", PST_P2},
+                               {"Knight2", PST_N2}, {"Bishop2", PST_B2},        {"Rook2", PST_R2},
+                               {"Queen2", PST_Q2}};
+
+}  // namespace
+
+void print_eval_breakdown(const EvalBreakdown& b, int level)
+{
+    std::printf("           white  black    pos    mtl\n");
+    for (int g = 0; g < EVAL_GROUPS; g++) {
+        int type = g + 1;  // pawns .. queens carry material
+        Score group[2];
+        Score material[2] = {0, 0};
+        for (int s = 0; s < 2; s++) {
+            Score before = g == 0 ? 0 : b.snapshot[g - 1][s];
+            if (type <= 5)
+                material[s] = b.material[s][type];
+            group[s] = b.snapshot[g][s] - before - material[s];
+        }
+        int w = blend(group[0], b.phase), k = blend(group[1], b.phase);
+        int mtl = type <= 5 ? blend(material[0] - material[1], b.phase) : 0;
+        std::printf("%-10s  %4d   %4d   %4d   %4d\n", LABELS[g], w, k, w - k, mtl);
+    }
+    if (b.hung) {
+        std::printf("hung pieces on: ");
+        Bitboard h = b.hung;
+        while (h)
+            std::printf(" %s", SQUARE_NAMES[pop_lsb(h)]);
+        std::printf("\n");
+    }
+    std::printf("eval= %d,  phase= %0.2f, sf= %0.2f\n\n", b.shown_score, b.phase, double(b.scale));
+    if (level >= 2) {
+        for (int row = 0; row < param_count; row++)
+            if (!std::strstr(param_table[row].name, "PST_"))
+                std::printf("%-22s  %4d , %4d\n", param_table[row].name, opening_of(param_table[row].score),
+                            endgame_of(param_table[row].score));
+        for (const TableTitle& t : TABLES)
+            print_pst(t.title, t.row);
+    }
+    std::fflush(stdout);
+}
+
+void print_special_ending(int score)
+{
+    std::printf("eval= %d,  phase= %0.2f, sf= %0.2f\n\n", score, 1.0, 1.0);
+    std::fflush(stdout);
+}

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "board/fen.h"
+#include "eval/eval_tables.h"
+#include "eval/evaluate.h"
+#include "eval/params.h"
+#include "support/test_positions.h"
+
+namespace {
+
+class Evaluation : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        t = new_test_thread();
+        init_evaluation();
+        init_eval_params(0);
+    }
+    void TearDown() override { free_test_thread(t); }
+    int eval(const std::string& fen, int ply = 0)
+    {
+        set_test_position(t, fen);
+        return evaluate(t, t->pos.side, ply, 0, 0);
+    }
+    std::string trace(const std::string& fen, int level = 1)
+    {
+        set_test_position(t, fen);
+        testing::internal::CaptureStdout();
+        evaluate(t, t->pos.side, 0, 0, level);
+        return testing::internal::GetCapturedStdout();
+    }
+    SearchThread* t = nullptr;
+};
+
+}  // namespace
+
+TEST_F(Evaluation, SpecialEndings)
+{
+    EXPECT_EQ(eval("4k3/8/8/8/8/8/8/1NN1K3 w - -"), 0);  // two knights
+    EXPECT_EQ(eval("4k3/8/8/3n4/8/8/8/2B1K3 b - -"), 0);  // bishop against knight
+    // Rook against bare king: weak king in the corner, kings two apart.
+    EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R w - -"), 788);
+    EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R b - -"), -788);
+    // Knight and dark-squared bishop: the weak king in the dark corner a1.
+    int strong_king = make_square(2, 2);  // c3
+    EXPECT_EQ(eval("8/8/8/8/8/2K5/8/k1BN4 w - -"), 740 + 8 * 7 + 10 * center_10(strong_king) - 6 * 2);
+    // King and pawn: a won and a drawn case keep their sign and size apart.
+    int draw = eval("4k3/8/4P3/4K3/8/8/8/8 w - -");  // White to move only stalemates
+    int win = eval("8/8/8/8/8/4K3/4P3/2k5 w - -");   // king in front of its pawn
+    EXPECT_GE(draw, 0);
+    EXPECT_LT(draw, 50);
+    EXPECT_LT(eval("4k3/8/4P3/4K3/8/8/8/8 b - -"), 50);  // ...Ke7 holds with Black to move too
+    // King in front on the sixth wins whoever moves; the pawn's side is on the minus side when not to move.
+    EXPECT_EQ(eval("4k3/8/4K3/4P3/8/8/8/8 b - -"), -(800 + 25 * 4 - 3 * 1 + 3 * 3));
+    EXPECT_GT(win, 700);
+    EXPECT_EQ(eval("8/8/8/8/8/4K3/4P3/2k5 b - -") < -700, true);
+}
+
+TEST_F(Evaluation, PhaseAtTheFullMaterialEdge)
+{
+    eval("r2qk2r/8/8/8/8/8/PPPPPPPP/R2QK2R w - -");  // not relevant: warm up
+    eval("rq2k1qr/pppppp2/8/8/8/8/PPPPPPPP/RNBQKBNR w - -");  // 32 + 30 = 62 units
+    EXPECT_NEAR(last_eval_phase(), 0.008, 1e-12);
+    eval("r2qk1rr/ppppppp1/2bb4/8/8/8/PPPPPPPP/RNBQKBNR w - -");  // 32 + 31
+    EXPECT_EQ(last_eval_phase(), 0.0);
+}
+
+TEST_F(Evaluation, TraceLayoutAndScaleFactors)
+{
+    // Opposite-coloured bishops alone with equal pawns: 0.65 twice.
+    std::string text = trace("4k3/ppp1b3/8/8/8/8/PPP5/3BK3 w - -");
+    EXPECT_NE(text.find("sf= 0.42"), std::string::npos) << text;
+    EXPECT_EQ(text.find("hung pieces on: "), std::string::npos);
+    EXPECT_EQ(text.rfind("           white  black    pos    mtl\n", 0), 0u);
+    EXPECT_EQ(text.substr(text.size() - 2), "\n\n");
+    EXPECT_EQ(text.find("mtl_pawn"), std::string::npos);  // level 1 stops after the score line
+
+    text = trace("4k3/8/8/3n4/8/8/8/3RK3 w - -");
+    EXPECT_NE(text.find("hung pieces on:  d5\n"), std::string::npos) << text;
+
+    text = trace("4k3/8/8/8/8/8/8/3RK3 w - -", 2);  // special ending: just the score line
+    text = trace("r3k3/8/8/8/8/8/8/R3K3 w - -", 2);
+    EXPECT_NE(text.find("mtl_rook                 498 ,  729\n"), std::string::npos);
+    EXPECT_NE(text.find("Connected Pawn\n"), std::string::npos);
+    EXPECT_EQ(text.find("PST_P1"), std::string::npos);
+
+    // The score line shows the side to move's view.
+    std::string white = trace("4k3/8/8/8/3P4/8/8/R3K3 w - -");
+    std::string black = trace("4k3/8/8/8/3P4/8/8/R3K3 b - -");
+    int w = std::atoi(white.substr(white.find("eval= ") + 6).c_str());
+    int b = std::atoi(black.substr(black.find("eval= ") + 6).c_str());
+    int stm = 2 * opening_of(param_score[STM_BONUS]);  // both see the bonus for themselves
+    EXPECT_NEAR(w + b, 0, stm + 2);
+}
+
+TEST_F(Evaluation, CachesFromTheSecondPly)
+{
+    const std::string fen = "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -";
+    int fresh = eval(fen, 2);
+    uint64_t hits = t->eval_hits;
+    EXPECT_EQ(eval(fen, 2), fresh);
+    EXPECT_EQ(t->eval_hits, hits + 1);
+    EXPECT_EQ(eval(fen, 1), fresh);  // evaluated afresh at plies 0 and 1
+    EXPECT_EQ(t->eval_hits, hits + 1);
+
+    // Same pawns, kings on the four wing combinations: the cache keeps them apart.
+    const char* fens[4] = {"6k1/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -",
+                           "6k1/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -"};
+    int cold[4];
+    for (int i = 0; i < 4; i++) {
+        clear_eval_caches(t);
+        cold[i] = eval(fens[i], 0);
+    }
+    clear_eval_caches(t);
+    for (int i = 0; i < 4; i++)
+        eval(fens[i], 2);
+    for (int i = 0; i < 4; i++) {
+        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;  // force the pawn cache path
+        set_test_position(t, fens[i]);
+        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
+        uint64_t pawn_hits = t->pawn_hits;
+        EXPECT_EQ(evaluate(t, WHITE, 2, 0, 0), cold[i]) << fens[i];
+        EXPECT_EQ(t->pawn_hits, pawn_hits + 1);
+    }
+    EXPECT_NE(cold[0], cold[1]);
+    EXPECT_NE(cold[0], cold[2]);
+    EXPECT_EQ(evaluate(t, WHITE, 2, 1, 0), -10001);
+}
+
+// With the tuning flag each row records the signed weight it entered with:
+// the rows' working values weighted by their coefficients give back the
+// evaluation's opening and endgame sums (to rounding).
+TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
+{
+    t->tuning = 1;
+    for (const std::string& fen : load_opening_fens(50)) {
+        for (int row = 0; row < PARAM_ROWS; row++)
+            param_table[row].coef = 0;
+        set_test_position(t, fen);
+        testing::internal::CaptureStdout();
+        t->tuning = 0;
+        evaluate(t, t->pos.side, 0, 0, 1);
+        std::string text = testing::internal::GetCapturedStdout();
+        t->tuning = 1;
+        int traced = std::atoi(text.substr(text.find("eval= ") + 6).c_str());
+        evaluate(t, t->pos.side, 0, 0, 0);
+        double op = 0, eg = 0;
+        for (int row = 0; row < PARAM_ROWS; row++) {
+            op += param_table[row].coef * param_table[row].opening_f;
+            eg += param_table[row].coef * param_table[row].endgame_f;
+        }
+        double phase = last_eval_phase();
+        double white_view = (1 - phase) * op + phase * eg;
+        double stm_view = t->pos.side == WHITE ? white_view : -white_view;
+        EXPECT_NEAR(stm_view, traced, 12.0) << fen;
+    }
+    t->tuning = 0;
+}

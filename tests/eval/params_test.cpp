@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <fstream>
+
+#include "eval/params.h"
+#include "support/engine_process.h"
+#include "uci/settings.h"
+
+namespace {
+
+void reset_weights()
+{
+    for (auto& pair : settings.personality)
+        pair[0] = pair[1] = 100;
+}
+
+}  // namespace
+
+TEST(Params, DefaultsAndPersonality)
+{
+    reset_weights();
+    init_eval_params(0);
+    EXPECT_EQ(param_count, PARAM_ROWS);
+    EXPECT_EQ(param_table[MTL_ROOK].score, 729 * 65536 + 498);
+    EXPECT_STREQ(param_table[PST_Q2 + 63].name, "PST_Q2");
+    EXPECT_STREQ(param_table[TMP0 + 8].name, "tmp8");
+
+    settings.personality[WEIGHT_ACTIVITY_KNIGHT][0] = 200;
+    init_eval_params(0);
+    EXPECT_EQ(opening_of(param_table[KNIGHT_MOBILITY].score), 102);
+    EXPECT_EQ(opening_of(param_table[KNIGHT_OUTPOST_ATK].score), 64);  // matched by two patterns
+    EXPECT_EQ(endgame_of(param_table[KNIGHT_MOBILITY].score), 47);
+    EXPECT_EQ(opening_of(param_table[PST_N1 + 56].score), -144);
+    EXPECT_EQ(opening_of(param_table[BISHOP_PAIR].score), 29);
+    reset_weights();
+
+    // Halves round away from zero: -5 * 0.5 and 5 * 0.5.
+    settings.personality[WEIGHT_PASSED_PAWNS][0] = 50;
+    settings.personality[WEIGHT_ACTIVITY_ROOK][1] = 50;
+    init_eval_params(0);
+    EXPECT_EQ(opening_of(param_table[PPAWN_FKING_DIST].score), -3);
+    EXPECT_EQ(endgame_of(param_table[ROOK_MOB2].score), 3);
+    reset_weights();
+
+    init_eval_params(1);  // rows laid down only
+    EXPECT_EQ(param_table[MTL_ROOK].score, 0);
+    init_eval_params(0);
+}
+
+TEST(Params, ParamsFileOverridesDefaults)
+{
+    char old[4096];
+    ASSERT_NE(getcwd(old, sizeof old), nullptr);
+    std::string dir = make_temp_dir();
+    ASSERT_EQ(chdir(dir.c_str()), 0);
+    reset_weights();
+
+    std::ofstream("params.txt") << "fset(\"mtl_pawn\",90,110);\n";
+    init_eval_params(0);
+    EXPECT_EQ(param_table[MTL_PAWN].score, 110 * 65536 + 90);
+    EXPECT_EQ(param_table[MTL_KNIGHT].score, 413 * 65536 + 361);
+
+    // A skipped row: the error is reported and the knight row takes the bishop's numbers.
+    std::ofstream("params.txt") << "fset(\"mtl_pawn\",100,100);\nfset(\"mtl_bishop\",300,350);\n\nbad line\n";
+    testing::internal::CaptureStdout();
+    init_eval_params(0);
+    std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(out, "error mtl_bishop  mtl_knight\n");
+    EXPECT_EQ(param_table[MTL_KNIGHT].score, 350 * 65536 + 300);
+    EXPECT_EQ(param_table[MTL_BISHOP].score, 426 * 65536 + 361);
+
+    // Values from the file are not scaled by the weights.
+    settings.personality[WEIGHT_MTL_PAWN][0] = 50;
+    std::ofstream("params.txt") << "fset(\"mtl_pawn\",100,100);\n";
+    init_eval_params(0);
+    EXPECT_EQ(opening_of(param_table[MTL_PAWN].score), 100);
+    reset_weights();
+
+    unlink("params.txt");
+    init_eval_params(0);
+    ASSERT_EQ(chdir(old), 0);
+}
