@@ -197,6 +197,7 @@ void evaluate_pieces(EvalState& st, int s)
         if (att & st.king_zone[e])
             st.tally[e] += ZONE_WEIGHT[Type];
 
+        // Trapped: not a single reachable square.
         if (n == 0) {
             const int trapped_row = Type == KNIGHT   ? KNIGHT_TRAPPED
                                     : Type == BISHOP ? BISHOP_TRAPPED
@@ -290,6 +291,7 @@ void evaluate_king(EvalState& st, int s)
         }
     }
 
+    // Trapped king: no neighbour square that is free of own men and unattacked.
     if (!(KING_ATTACKS[k] & ~pos->pieces[s][0] & ~st.attacked[e]))
         add<Tune>(st, s, KING_TRAPPED);
 
@@ -333,6 +335,9 @@ void evaluate_passers(EvalState& st, int s)
         if (own & forward_file(s, sq))
             continue;  // the rear pawn of a doubled pair is not the passer
         st.passed[s] |= bit(sq);
+        // Passed: no enemy pawn ahead on its own or the adjacent files. Mobile:
+        // its stop square is empty. Free: the whole path to promotion is
+        // empty and unwatched by the enemy.
         add<Tune>(st, s, PPAWN + r);
         int stop = sq + PAWN_STEP[s];
         if (!(st.occ & bit(stop)))
@@ -576,12 +581,16 @@ int evaluate_full(SearchThread* t, int stm, int ply, int trace)
         st.by_type[s][KING] = KING_ATTACKS[k];
         st.attacked[s] = pawn_att | KING_ATTACKS[k];
         st.attacked2[s] = pawn_att & KING_ATTACKS[k];
+        // King zone: the king's square, its neighbours and the three squares
+        // beyond them towards the enemy.
         Bitboard zone = KING_ATTACKS[k] | bit(k);
         st.king_zone[s] = zone | shift_forward(s, zone);
     }
     for (int s = 0; s < 2; s++) {
         int e = s ^ 1;
         st.exclusion[s] = pos->pieces[s][0] | st.by_type[e][PAWN];
+        // Outposts: relative ranks 4-6, defended by an own pawn, out of reach of
+        // every enemy pawn however it advances.
         Bitboard ranks = s == WHITE ? 0x0000FFFFFF000000ULL : 0x000000FFFFFF0000ULL;
         st.outposts[s] = ranks & st.by_type[s][PAWN] & ~pawn_attack_span(e, pos->pieces[e][PAWN]);
     }
