@@ -197,6 +197,30 @@ bool is_pseudo_legal(const Position* pos, Move move)
     return to == from + 2 * step && rank_of(from) == start_rank && !target && !(occ & bit(from + step));
 }
 
+MoveEntry* gen_quiet_checks(const Position* pos, MoveEntry* list)
+{
+    int side = pos->side;
+    int ek = pos->king_square[side ^ 1];
+    Bitboard occ = occupancy(pos);
+    Bitboard empty = ~occ;
+    Bitboard pawn_squares = PAWN_ATTACKS[side ^ 1][ek] & empty & INNER_RANKS;
+    Bitboard pawns = pos->pieces[side][PAWN];
+    if (side == WHITE) {
+        list = add_pawn_targets(list, pos, (pawns << 8) & pawn_squares, 8);
+        Bitboard hop = ((pawns & rank_mask(1)) << 8) & empty;
+        list = add_pawn_targets(list, pos, (hop << 8) & pawn_squares & rank_mask(3), 16);
+    } else {
+        list = add_pawn_targets(list, pos, (pawns >> 8) & pawn_squares, -8);
+        Bitboard hop = ((pawns & rank_mask(6)) >> 8) & empty;
+        list = add_pawn_targets(list, pos, (hop >> 8) & pawn_squares & rank_mask(4), -16);
+    }
+    list = add_piece_moves<KNIGHT>(list, pos, side, KNIGHT_ATTACKS[ek] & empty);
+    Bitboard diagonal = bishop_attacks(ek, occ) & empty, straight = rook_attacks(ek, occ) & empty;
+    list = add_piece_moves<BISHOP>(list, pos, side, diagonal);
+    list = add_piece_moves<ROOK>(list, pos, side, straight);
+    return add_piece_moves<QUEEN>(list, pos, side, diagonal | straight);
+}
+
 int gen_legal(const Position* pos, MoveEntry* list)
 {
     MoveEntry buffer[MAX_MOVES];

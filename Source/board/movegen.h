@@ -34,5 +34,9 @@ MoveEntry* gen_all(const Position* pos, MoveEntry* list);
 // Could `move` have been generated here for the side to move?
 bool is_pseudo_legal(const Position* pos, Move move);
 
+// Quiet moves of the side to move that check the enemy king directly (pawn
+// pushes short of promotion, knights and sliders).
+MoveEntry* gen_quiet_checks(const Position* pos, MoveEntry* list);
+
 // Legal moves only (for the front end and the tools); returns the count.
 int gen_legal(const Position* pos, MoveEntry* list);

@@ -1,21 +1,22 @@
 #include "board/perft.h"
 
+#include "board/attack_queries.h"
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "search/clock.h"
+#include "search/movepick.h"
 #include "search/search_thread.h"
 #include "uci/output.h"
 
 void perft(SearchThread* t, int side, int ply, int depth)
 {
     Position* pos = &t->pos;
-    MoveEntry* list = ply == 1 ? t->move_buffer : t->plies[ply - 1].move_list;
-    MoveEntry* end = gen_all(pos, list);
-    // The next ply's list starts behind this one.
-    t->plies[ply].move_list = end + 1;
+    int checker = find_attacker(pos, pos->king_square[side], side ^ 1, occupancy(pos));
+    t->plies[ply].in_check = checker != NO_SQUARE;
+    init_picker(t, ply, MODE_PLAIN, checker);
     PinInfo info = pin_info(pos, side);
-    for (MoveEntry* e = list; e != end; e++) {
+    while (MoveEntry* e = next_move(t, ply)) {
         if (!is_legal_fast(pos, side, e->move, info))
             continue;
         if (depth == 1) {

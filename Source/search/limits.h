@@ -1,7 +1,7 @@
 // The shared search control record: what the front end asked for, what the
-// time manager decided, and what the search found. Written by the input
-// thread between searches; the fields that search threads poll while they
-// run are atomics.
+// time manager decided, and what the search found. The input thread writes
+// the request fields between searches; fields that cross threads while a
+// search runs are atomics.
 #pragma once
 
 #include <atomic>
@@ -25,6 +25,9 @@ enum StopSignal : uint8_t {
     STOP_SHUTDOWN = 99,
 };
 
+// search_mode values: only a timed search stops on the clock.
+enum SearchMode : uint8_t { MODE_UNTIMED = 1, MODE_PONDER = 2, MODE_TIMED = 3 };
+
 constexpr int MAX_SEARCH_DEPTH = 66;
 
 struct SearchLimits {
@@ -40,15 +43,59 @@ struct SearchLimits {
     double white_time;
     double black_time;
     int16_t moves_to_go;
+    int16_t level_moves;       // console "level": moves per control, 0 for UCI
+    bool infinite;             // go infinite: the report waits for "stop"
     uint8_t base_max_depth;    // what each go starts from (the command line may set it)
     uint64_t base_node_limit;
+    double base_move_time;
+    uint8_t base_fixed_limit;
 
+    // Time management.
+    double start_time;
+    std::atomic<double> elapsed;
+    uint8_t search_mode;
+    double target_time;
+    double move_overhead;
+    std::atomic<uint8_t> single_reply;
+    std::atomic<int16_t> best_change_depth;
+    std::atomic<int16_t> root_score_by_depth[MAX_PLY + 2];
+    std::atomic<uint8_t> root_line_state;  // 0 inside the window, 1 failed low, 2 failed high
+    std::atomic<int> root_score;           // the main thread's current root score
+    double target_nps;
+    double full_nps;   // the machine's full search rate, from the start-up calibration
+    double full_elo;   // the engine's own rating estimate at full speed
+    double elo_in_force;
+    bool rate_limited;
+    uint32_t random_word;
+
+    // Shared state of the running search.
+    std::atomic<uint8_t> search_depth;
+    std::atomic<bool> search_started;
+    std::atomic<int8_t> completed_depth;
+    double completed_time;
     int engine_side;       // the side the engine plays in this search
     double contempt_gate;  // contempt applies while this is at most 90000
 
+    // Result.
+    uint16_t preset_move;  // a book move, else 0
+    uint16_t best_move;
+    uint16_t ponder_move;
+    int16_t best_score;
+    uint16_t best_line[MAX_PLY + 2];
+
+    // Statistics.
+    uint64_t total_nodes;
+    uint64_t main_probes, main_hits;
+    uint64_t pawn_probes, pawn_hits;
+    uint64_t eval_probes, eval_hits;
+    uint64_t tb_hits;
+    double hash_fill;
+    uint32_t node_type_count[4];
+    std::atomic<uint64_t> nodes_at_depth[MAX_PLY + 2];
+
     int thread_count;
-    double full_nps;  // the machine's full search rate, from the start-up calibration
-    double full_elo;  // the engine's own rating estimate at full speed
+    uint8_t clear_pending;
+    bool self_play;
 };
 
 extern SearchLimits limits;

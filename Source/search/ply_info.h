@@ -25,4 +25,10 @@ struct PlyInfo {
     uint16_t pick_stage;  // picker mode bits and stage
     MoveEntry* move_list;
     MoveEntry* current_move;
+
+    // Picker state beyond the stage: the end of the generated entries, the
+    // next unsearched one, and the table move handed out first.
+    MoveEntry* list_end;
+    MoveEntry* next;
+    MoveEntry hash_entry;
 };

@@ -2,14 +2,37 @@
 // the same kind, so that make/unmake and the draw test work alike on both.
 #pragma once
 
+#include <atomic>
+
 #include "board/movegen.h"
 #include "board/position.h"
 #include "eval/eval_cache.h"
 #include "search/ply_info.h"
 
 // Room for the move lists of one line: the list of ply p starts where the
-// list of ply p - 1 ended.
+// list of ply p - 1 ends.
 constexpr int MOVE_BUFFER_SIZE = (MAX_PLY + 8) * 320;
+
+// History: ((type of the previous move's piece) * 16 + moving piece) * 64 + to.
+constexpr int HISTORY_SIZE = 8 * 16 * 64;
+constexpr int HISTORY_START = 2048;
+
+// The root position's plies; the nodes below it count from here.
+constexpr int ROOT_PLY = 1;
+
+struct RootMove {
+    MoveEntry entry;  // the move with its piece codes; entry.score orders the list
+    int16_t last_score;
+    uint16_t pv[MAX_PLY + 2];  // its line when it last led a MultiPV line
+};
+
+enum ThreadCommand : uint8_t {
+    CMD_IDLE = 0,
+    CMD_SEARCH = 1,
+    CMD_CLEAR_HASH = 2,
+    CMD_QUIT = 99,
+    CMD_GONE = 100,
+};
 
 struct SearchThread {
     Position pos;
@@ -18,9 +41,33 @@ struct SearchThread {
     int16_t search_ply;  // ply of the current node; 1 after set-up
     uint16_t last_move;  // move that led here, 0 if none
     int thread_number;
+    std::atomic<uint8_t> command;
 
+    // Counters.
     uint64_t nodes;
-    uint8_t iteration_depth;
+    uint64_t node_limit;
+    uint64_t tbhits;
+    uint64_t tt_probes, tt_hits;
+    uint8_t seldepth;
+    std::atomic<uint8_t> iteration_depth;
+    uint8_t null_moves_on_path;
+    uint8_t best_move_depth;  // iteration of the last change of the root's best move
+    uint32_t root_seed;
+
+    // Search stack and ordering tables.
+    PlyInfo plies[MAX_PLY + 2];
+    int16_t history[HISTORY_SIZE];
+    uint16_t counter_moves[16][64][2];  // by the previous move's piece code and to-square
+    uint16_t followup[16][64];          // by piece code and to-square of the move two plies back
+    MoveEntry move_buffer[MOVE_BUFFER_SIZE];
+
+    // Root.
+    RootMove root_moves[MAX_MOVES];
+    int root_count;
+    int root_score;
+    uint16_t best_move;
+    uint16_t root_pv[MAX_PLY + 2];
+    int root_tb_result;
 
     // Evaluation caches and counters.
     PawnHashEntry pawn_hash[PAWN_HASH_SIZE];
@@ -29,9 +76,6 @@ struct SearchThread {
     uint64_t pawn_probes, pawn_hits;
     uint64_t eval_probes, eval_hits;
     uint8_t tuning;  // record each row's coefficient (tuner only)
-
-    PlyInfo plies[MAX_PLY];
-    MoveEntry move_buffer[MOVE_BUFFER_SIZE];
 };
 
 // The record that holds the game position (not a search worker).
@@ -39,3 +83,10 @@ extern SearchThread* game_thread;
 
 // Points a position at its record; to be called once per record.
 inline void attach_position(SearchThread* t) { t->pos.thread = t; }
+
+// Allocates a zeroed record with its position attached; nullptr on failure.
+SearchThread* new_search_thread();
+void free_search_thread(SearchThread* t);
+
+// Copies the game position and its history into a worker's record.
+void copy_game_into(SearchThread* t);

@@ -1,19 +1,190 @@
 #include "search/threads.h"
 
+#include <pthread.h>
+#include <sched.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "search/clock.h"
+#include "search/iterate.h"
 #include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/tt.h"
+
+bool numa_binding = false;
+std::mutex info_lock;
+std::mutex stats_lock;
+
+namespace {
+
+constexpr int MAX_THREADS = 128;
+constexpr int NUMA_THRESHOLD = 32;
+
+std::atomic<SearchThread*> workers[MAX_THREADS];
+pthread_t handles[MAX_THREADS];
+int count = 0;
+
+// CPUs of each NUMA node from sysfs; empty when the topology is not there.
+std::vector<cpu_set_t> numa_nodes()
+{
+    std::vector<cpu_set_t> nodes;
+    for (int node = 0; node < 1024; node++) {
+        std::ifstream in("/sys/devices/system/node/node" + std::to_string(node) + "/cpulist");
+        if (!in)
+            break;
+        std::string list;
+        std::getline(in, list);
+        cpu_set_t set;
+        CPU_ZERO(&set);
+        size_t pos = 0;
+        while (pos < list.size()) {
+            size_t comma = list.find(',', pos);
+            std::string part = list.substr(pos, comma == std::string::npos ? std::string::npos : comma - pos);
+            int a = 0, b = 0;
+            if (std::sscanf(part.c_str(), "%d-%d", &a, &b) == 2) {
+                for (int c = a; c <= b && c < CPU_SETSIZE; c++)
+                    CPU_SET(c, &set);
+            } else if (std::sscanf(part.c_str(), "%d", &a) == 1 && a < CPU_SETSIZE) {
+                CPU_SET(a, &set);
+            }
+            if (comma == std::string::npos)
+                break;
+            pos = comma + 1;
+        }
+        nodes.push_back(set);
+    }
+    return nodes;
+}
+
+// Spreads the workers evenly over the nodes, skipped without a topology.
+void bind_to_node(int number, int total)
+{
+    std::vector<cpu_set_t> nodes = numa_nodes();
+    if (nodes.size() < 2)
+        return;
+    size_t node = size_t(number) * nodes.size() / size_t(total);
+    pthread_setaffinity_np(pthread_self(), sizeof(cpu_set_t), &nodes[node]);
+}
+
+void* worker_main(void* arg)
+{
+    int number = int(reinterpret_cast<intptr_t>(arg));
+    SearchThread* t = new_search_thread();
+    if (!t) {
+        std::fprintf(stderr, "out of memory for a search thread\n");
+        std::exit(1);
+    }
+    t->thread_number = number;
+    if (numa_binding || count > NUMA_THRESHOLD)
+        bind_to_node(number, count);
+    workers[number].store(t);
+    for (;;) {
+        uint8_t command = t->command.load();
+        if (command == CMD_IDLE) {
+            sleep_ms(1);
+        } else if (command == CMD_SEARCH) {
+            run_search(t);
+            t->command = CMD_IDLE;
+        } else if (command == CMD_CLEAR_HASH) {
+            tt_clear_slice(number, count);
+            t->command = CMD_IDLE;
+        } else if (command > 90) {
+            break;
+        }
+    }
+    t->command = CMD_GONE;
+    return nullptr;
+}
+
+}  // namespace
 
 bool start_threads(int n)
 {
+    if (n < 1)
+        n = 1;
+    if (n > MAX_THREADS)
+        n = MAX_THREADS;
+    for (auto& w : workers)
+        w.store(nullptr);
+    count = n;
+    for (int i = 0; i < n; i++) {
+        if (pthread_create(&handles[i], nullptr, worker_main, reinterpret_cast<void*>(intptr_t(i))) != 0) {
+            count = i;
+            return false;
+        }
+    }
+    for (int i = 0; i < n; i++)
+        while (!workers[i].load())
+            sleep_ms(1);
     limits.thread_count = n;
     return true;
 }
 
-void stop_threads() {}
+void stop_threads()
+{
+    if (!count)
+        return;
+    limits.stop_signal = STOP_SHUTDOWN;
+    while (count_busy_threads())
+        sleep_ms(1);
+    for (int i = 0; i < count; i++)
+        workers[i].load()->command = CMD_QUIT;
+    for (int i = 0; i < count; i++) {
+        while (workers[i].load()->command != CMD_GONE)
+            sched_yield();
+        pthread_join(handles[i], nullptr);
+    }
+    for (int i = 0; i < count; i++) {
+        free_search_thread(workers[i].load());
+        workers[i].store(nullptr);
+    }
+    count = 0;
+}
 
-int count_busy_threads() { return 0; }
+int worker_count() { return count; }
 
-void stop_and_wait(uint8_t signal) { limits.stop_signal = signal; }
+SearchThread* worker(int i) { return i >= 0 && i < count ? workers[i].load() : nullptr; }
 
-int worker_count() { return 0; }
+int count_busy_threads()
+{
+    int busy = 0;
+    for (int i = 0; i < count; i++)
+        if (SearchThread* t = workers[i].load(); t && t->command != CMD_IDLE)
+            busy++;
+    return busy;
+}
 
-SearchThread* worker(int) { return nullptr; }
+void stop_and_wait(uint8_t signal)
+{
+    limits.stop_signal = signal;
+    while (count_busy_threads())
+        sleep_ms(1);
+}
+
+void start_search_threads()
+{
+    if (!count)
+        return;
+    workers[0].load()->command = CMD_SEARCH;
+    if (count >= 2) {
+        sleep_ms(5);
+        for (int i = 1; i < count; i++)
+            workers[i].load()->command = CMD_SEARCH;
+    }
+}
+
+bool clear_hash_by_workers()
+{
+    if (count < 2)
+        return false;
+    for (int i = 0; i < count; i++)
+        workers[i].load()->command = CMD_CLEAR_HASH;
+    while (count_busy_threads())
+        sleep_ms(1);
+    return true;
+}

@@ -2,21 +2,36 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
+
+struct SearchThread;
 
 // Creates `n` workers (at least one); false when a thread cannot be created.
 bool start_threads(int n);
 
-struct SearchThread;
-
-// The workers that exist now, by number.
-int worker_count();
-SearchThread* worker(int i);
-
 // Stops and frees every worker.
 void stop_threads();
+
+// The workers that exist now, by number (0 is the main search thread).
+int worker_count();
+SearchThread* worker(int i);
 
 // Workers whose command byte is not 0 (0 when there are none).
 int count_busy_threads();
 
 // Sets the shared stop flag and waits, 1 ms at a time, until no worker is busy.
 void stop_and_wait(uint8_t signal);
+
+// Wakes the workers for a search: the main one first, the others 5 ms later.
+void start_search_threads();
+
+// With several workers each clears its slice of the hash table; returns
+// false (nothing done) when there is only one.
+bool clear_hash_by_workers();
+
+// Bind workers to NUMA nodes (the -numa switch; always with more than 32 threads).
+extern bool numa_binding;
+
+// Serialises the main thread's info lines and the per-depth statistics.
+extern std::mutex info_lock;
+extern std::mutex stats_lock;

@@ -1,17 +1,18 @@
-// Korvel: start-up, the command line and the main loop.
+// Korvel: start-up, the command line and shut-down.
 #include <cstdlib>
 #include <cstring>
 
 #include "board/fen.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
-#include "search/clock.h"
 #include "search/limits.h"
+#include "search/search_params.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/tt.h"
-#include "uci/console_commands.h"
-#include "uci/input.h"
+#include "tablebase/tbprobe.h"
+#include "uci/calibration.h"
+#include "uci/engine_loop.h"
 #include "uci/options.h"
 #include "uci/output.h"
 #include "uci/protocol_mode.h"
@@ -44,11 +45,9 @@ int main(int argc, char** argv)
     reset_game_limits();
     read_switches(argc, argv);
 
-    game_thread = static_cast<SearchThread*>(std::calloc(1, sizeof(SearchThread)));
+    game_thread = new_search_thread();
     if (!game_thread)
         return 1;
-    attach_position(game_thread);
-
     limits.thread_count = settings.threads;
     if (!start_threads(limits.thread_count))
         return 1;
@@ -59,18 +58,18 @@ int main(int argc, char** argv)
     search_settings = settings;
     init_evaluation();
     init_eval_params(0);
+    build_search_params();
     settings.changed = search_settings.changed = 0;
 
     set_position(&game_thread->pos, START_FEN);
-    show_game_board();
-    quit_requested = false;
-    while (!quit_requested) {
-        sleep_ms(1);
-        poll_input();
-    }
+    calibrate_speed();
+    tb_init(settings.syzygy_path);
+    run_engine_loop();
 
     stop_threads();
-    std::free(game_thread);
+    tt_free();
+    free_search_thread(game_thread);
+    game_thread = nullptr;
     close_output_files();
     return 0;
 }

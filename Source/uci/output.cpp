@@ -37,6 +37,15 @@ void send_line(const char* text)
     }
 }
 
+void log_line(const char* text)
+{
+    std::lock_guard<std::mutex> guard(output_lock);
+    if (log_enabled && log_file) {
+        std::fprintf(log_file, "%s\n", text);
+        std::fflush(log_file);
+    }
+}
+
 const char* format_line(char* buffer, size_t size, const char* format, ...)
 {
     va_list args;

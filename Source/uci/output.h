@@ -12,6 +12,9 @@ constexpr const char* LOG_FILE_NAME = "korvel.log";
 // Writes the line and a newline to stdout, flushes, and copies it to the log.
 void send_line(const char* text);
 
+// Writes a line to the log only (when logging is on).
+void log_line(const char* text);
+
 // Bounded formatted print into a caller-owned buffer; returns `buffer`.
 const char* format_line(char* buffer, size_t size, const char* format, ...) __attribute__((format(printf, 3, 4)));
 

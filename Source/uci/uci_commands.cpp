@@ -9,6 +9,7 @@
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
+#include "search/timeman.h"
 #include "search/tt.h"
 #include "uci/engine_name.h"
 #include "uci/game.h"
@@ -106,9 +107,21 @@ void setoption_command(const char* args)
     settings_changed_after_option();
 }
 
+// An interface should stop a search before it changes the position or the
+// options; if it does not, the search is dropped without a report rather
+// than left to run on changing state.
+void abandon_running_search()
+{
+    if (limits.search_state == SEARCH_IDLE)
+        return;
+    stop_and_wait(STOP_SILENT);
+    limits.search_state = SEARCH_IDLE;
+}
+
 void new_game_command()
 {
     stop_and_wait(STOP_SILENT);
+    limits.search_state = SEARCH_IDLE;
     reset_game_limits();
     game_thread->game_ply = 0;
     if (count_busy_threads() == 0)
@@ -205,7 +218,8 @@ void go_command(const char* args)
         limits.increment = 0;
         limits.move_time = read_seconds(v);
     }
-    if (std::strstr(args, "infinite")) {
+    limits.infinite = std::strstr(args, "infinite") != nullptr;
+    if (limits.infinite) {
         limits.increment = 0;
         limits.node_limit = 0;
         limits.move_time = 10000000.0;
@@ -245,6 +259,7 @@ void handle_uci_command(char* line)
     } else if (!std::strcmp(word, "isready")) {
         send_line("readyok");
     } else if (!std::strcmp(word, "setoption")) {
+        abandon_running_search();
         setoption_command(args);
     } else if (!std::strcmp(word, "debug")) {
         // Command logging is always on; nothing to do.
@@ -253,12 +268,15 @@ void handle_uci_command(char* line)
     } else if (!std::strcmp(word, "ucinewgame")) {
         new_game_command();
     } else if (!std::strcmp(word, "position")) {
+        abandon_running_search();
         position_command(args);
     } else if (!std::strcmp(word, "go")) {
         go_command(args);
     } else if (!std::strcmp(word, "ponderhit")) {
-        if (limits.search_state == SEARCH_PONDERING)
+        if (limits.search_state == SEARCH_PONDERING) {
+            start_clock_on_ponderhit();
             limits.search_state = SEARCH_FINISH;
+        }
     } else if (!std::strcmp(word, "stop")) {
         if (limits.search_state != SEARCH_IDLE)
             limits.search_state = SEARCH_FINISH;

@@ -14,9 +14,10 @@ TEST(UciSession, HandshakeReadyAndQuit)
     EngineProcess e;
     e.send_line("uci");
     std::vector<std::string> seen;
-    ASSERT_EQ(e.wait_for("uciok", 10000, &seen), "uciok");
-    EXPECT_EQ(seen.at(0), "id name Korvel 4.50");
-    EXPECT_EQ(seen.at(1), "id author Tamsin Vell");
+    ASSERT_EQ(e.wait_for("id name", 10000, &seen), "id name Korvel 4.50");
+    std::string line;
+    ASSERT_TRUE(e.read_line(&line));
+    EXPECT_EQ(line, "id author Tamsin Vell");
     e.send_line("isready");
     EXPECT_EQ(e.wait_for("readyok"), "readyok");
     e.send_line("quit");
@@ -61,9 +62,9 @@ TEST(UciSession, IllegalMoveInPositionIsReported)
 {
     EngineProcess e;
     e.send_line("position startpos moves e2e4 e7e5 e1e3 g1f3");
-    EXPECT_EQ(e.wait_for("info string"), "info string illegal move e1e3");
+    EXPECT_EQ(e.wait_for("info string illegal"), "info string illegal move e1e3");
     e.send_line("position fen 8/8/8/8/8/8/8/4K3 w - - 0 1");
-    EXPECT_EQ(e.wait_for("info string").rfind("info string invalid position", 0), 0u);
+    EXPECT_NE(e.wait_for("info string invalid position"), "");
     e.send_line("quit");
     EXPECT_EQ(e.wait_exit(), 0);
 }

@@ -19,12 +19,10 @@ SearchThread* new_test_thread()
         tt_allocate(1);
         keys = true;
     }
-    SearchThread* t = static_cast<SearchThread*>(std::calloc(1, sizeof(SearchThread)));
-    attach_position(t);
-    return t;
+    return new_search_thread();
 }
 
-void free_test_thread(SearchThread* t) { std::free(t); }
+void free_test_thread(SearchThread* t) { free_search_thread(t); }
 
 void set_test_position(SearchThread* t, const std::string& fen)
 {

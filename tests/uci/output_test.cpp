@@ -31,6 +31,7 @@ TEST(Output, LogAndTraceFiles)
     std::string dir = make_temp_dir();
     ASSERT_EQ(chdir(dir.c_str()), 0);
 
+    SearchThread* t = new_test_thread();
     open_log();
     send_line("first");
     open_log();
@@ -42,7 +43,6 @@ TEST(Output, LogAndTraceFiles)
     log_command("go depth 3");
     send_line("third");
 
-    SearchThread* t = new_test_thread();
     trace_depth = 2;
     t->iteration_depth = 1;
     t->search_ply = 1;

@@ -1,0 +1,390 @@
+#include "search/iterate.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "board/attack_queries.h"
+#include "board/gives_check.h"
+#include "board/legality.h"
+#include "board/makemove.h"
+#include "board/notation.h"
+#include "board/see.h"
+#include "eval/evaluate.h"
+#include "search/clock.h"
+#include "search/history.h"
+#include "search/limits.h"
+#include "search/search.h"
+#include "search/search_thread.h"
+#include "search/search_values.h"
+#include "search/threads.h"
+#include "search/tt.h"
+#include "tablebase/tbprobe.h"
+#include "uci/output.h"
+#include "uci/protocol_mode.h"
+#include "uci/settings.h"
+
+namespace {
+
+constexpr int UNSEARCHED = -11000;
+constexpr int ASPIRATION_BOUND = 5000;
+constexpr double CURRMOVE_AFTER = 3.5;  // seconds before the main thread shows its current move
+constexpr int MAX_ITERATION = 69;
+constexpr int LAST_GAME_PLY = 883;
+constexpr int MAX_PV_SHOWN = 66;
+constexpr int ROOT_REDUCTION_DEPTH = 6;
+constexpr int ROOT_REDUCTION_MOVES = 5;
+constexpr int ROOT_REDUCTION_MARGIN = 24;
+
+inline bool stopped() { return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE; }
+inline bool is_main(const SearchThread* t) { return t->thread_number == 0; }
+
+void stable_sort_from(SearchThread* t, int first)
+{
+    std::stable_sort(t->root_moves + first, t->root_moves + t->root_count,
+                     [](const RootMove& a, const RootMove& b) { return a.entry.score > b.entry.score; });
+}
+
+// Legal root moves, the table move first and captures by exchange value.
+void build_root_moves(SearchThread* t)
+{
+    const Position* pos = &t->pos;
+    MoveEntry list[MAX_MOVES];
+    int n = gen_legal(pos, list);
+    TransEntry entry;
+    entry.depth = TT_MISS;
+    tt_probe(pos, &entry);
+    Move hash_move = entry.depth >= -9 ? entry.move : 0;
+    t->root_count = n;
+    for (int i = 0; i < n; i++) {
+        MoveEntry e = list[i];
+        int score = 0;
+        if (e.move == hash_move)
+            score = 3000;
+        else if (e.captured || is_promotion(e.move))
+            score = 1000 + swap(pos, pos->side, move_from(e.move), move_to(e.move));
+        e.score = int16_t(score);
+        t->root_moves[i].entry = e;
+        t->root_moves[i].last_score = NO_SCORE;
+    }
+    stable_sort_from(t, 0);
+}
+
+void format_pv(const uint16_t* pv, char* out, size_t size)
+{
+    out[0] = 0;
+    size_t used = 0;
+    for (int i = 0; i < MAX_PV_SHOWN && pv[i]; i++) {
+        char text[MOVE_TEXT_SIZE];
+        move_to_coord(pv[i], text);
+        int n = std::snprintf(out + used, size - used, "%s%s", i ? " " : "", text);
+        if (n < 0 || used + size_t(n) >= size)
+            break;
+        used += size_t(n);
+    }
+}
+
+// The root tablebase step of the main thread: returns true when it decided
+// the move on its own.
+bool root_tablebase_step(SearchThread* t)
+{
+    t->root_tb_result = -1;
+    if (!tb_largest)
+        return false;
+    Move move = 0;
+    int r = tb_probe_root(&t->pos, &move);
+    if (r < 0) {
+        r = tb_probe_wdl(&t->pos, 70);
+        move = 0;
+    }
+    t->root_tb_result = r;
+    int score = r == 4 ? TB_WIN - 1 : r == 0 ? -TB_WIN : 0;
+    if (r >= 0)
+        limits.root_score = score;
+    if (move && t->pos.fifty > 9 && is_legal(&t->pos, t->pos.side, move)) {
+        t->tbhits++;
+        t->best_move = move;
+        t->root_score = score;
+        t->root_pv[0] = move;
+        t->root_pv[1] = 0;
+        limits.completed_depth = 99;
+        t->seldepth = 99;
+        print_info_line(t, 99, score, t->root_pv, 1, ' ');
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+uint64_t total_nodes()
+{
+    uint64_t n = 0;
+    for (int i = 0; i < worker_count(); i++)
+        n += worker(i)->nodes;
+    return n;
+}
+
+uint64_t total_tbhits()
+{
+    uint64_t n = 0;
+    for (int i = 0; i < worker_count(); i++)
+        n += worker(i)->tbhits;
+    return n;
+}
+
+void score_text(int score, char* text, int size)
+{
+    if (score > 9899)
+        std::snprintf(text, size_t(size), "mate %d", (10000 - score) / 2);
+    else if (score < -9900)
+        std::snprintf(text, size_t(size), "mate -%d", (score + 10001) / 2);
+    else
+        std::snprintf(text, size_t(size), "cp %d", score);
+}
+
+void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark)
+{
+    char pv_text[MAX_PV_SHOWN * 8];
+    format_pv(pv, pv_text, sizeof pv_text);
+    double elapsed = now_seconds() - limits.start_time;
+    double nodes = double(total_nodes());
+    char line[1024];
+    if (protocol_mode == 1) {
+        char multipv[32] = "";
+        if (search_settings.multi_pv > 1)
+            std::snprintf(multipv, sizeof multipv, "multipv %d ", line_number);
+        char score_buf[32];
+        score_text(score, score_buf, sizeof score_buf);
+        send_line(format_line(line, sizeof line,
+                              "info %s%sdepth %d seldepth %d score %s time %.0f nodes %.0f nps %.0f tbhits %.0f "
+                              "hashfull %.0f pv %s",
+                              multipv, "", depth, t->seldepth, score_buf, elapsed * 1000, nodes,
+                              elapsed > 0.001 ? nodes / elapsed : 0.0, double(total_tbhits()),
+                              tt_hashfull(depth) * 1000, pv_text));
+    } else {
+        send_line(format_line(line, sizeof line, "%02d] %02d%c %5.1f %7.0fK %5d  %s", line_number, depth, mark,
+                              elapsed, nodes * 0.001, score, pv_text));
+    }
+}
+
+int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
+{
+    Position* pos = &t->pos;
+    int side = pos->side;
+    bool main = is_main(t);
+    PlyInfo& pi = t->plies[ROOT_PLY];
+    pi.alpha = int16_t(alpha);
+    pi.beta = int16_t(beta);
+    pi.depth = int16_t(depth);
+    pi.reduction = 0;
+    pi.list_end = t->move_buffer - 1;
+    CheckInfo ci = check_info(pos);
+    bool has_material = pos->phase_material[side] > 0 && pos->pieces[side][PAWN];
+    for (int i = line; i < t->root_count; i++)
+        t->root_moves[i].entry.score = int16_t(UNSEARCHED - i);
+
+    int best = NO_SCORE;
+    Move child_pv[MAX_PLY + 2];
+    bool show_current = main && protocol_mode == 1 && now_seconds() - limits.start_time > CURRMOVE_AFTER;
+    if (show_current) {
+        char text[256];
+        double elapsed = now_seconds() - limits.start_time;
+        double nodes = double(total_nodes());
+        send_line(format_line(text, sizeof text, "info depth %d time %.0f nodes %.0f nps %.0f hashfull %.0f",
+                              int(limits.completed_depth), elapsed * 1000, nodes, elapsed > 0.001 ? nodes / elapsed : 0.0,
+                              tt_hashfull(depth) * 1000));
+    }
+    for (int i = line; i < t->root_count; i++) {
+        RootMove& rm = t->root_moves[i];
+        MoveEntry* e = &rm.entry;
+        Move move = e->move;
+        int cls = move_class(t, move, e->piece, e->captured, ci);
+        pi.move_class = uint16_t(cls);
+        if (show_current) {
+            char text[128], coord[MOVE_TEXT_SIZE];
+            std::snprintf(coord, sizeof coord, "%s%s", SQUARE_NAMES[move_from(move)], SQUARE_NAMES[move_to(move)]);
+            send_line(format_line(text, sizeof text, "info currmove %s currmovenumber %d", coord, i + 1));
+        }
+        int tried = i - line;
+        int r = depth >= ROOT_REDUCTION_DEPTH && tried >= ROOT_REDUCTION_MOVES && alpha - ROOT_REDUCTION_MARGIN <= best
+                        && best >= -MATE_BOUND && (cls & 63) == 0 && has_material
+                    ? 1
+                    : 0;
+        pi.current_move = e;
+        make_move(pos, move);
+        int v;
+        if (tried == 0 || depth < 2) {
+            v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - 1, -beta, -alpha, NODE_PV, child_pv);
+        } else {
+            v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - r - 1, -alpha - 1, -alpha, NODE_CUT, child_pv);
+            if (v > alpha && !stopped())
+                v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - 1, -beta, -alpha, NODE_PV, child_pv);
+        }
+        unmake_move(pos);
+        pi.current_move = nullptr;
+        if (stopped())
+            return 0;
+        e->score = int16_t(v);
+        if (main)
+            limits.root_line_state = v <= alpha ? 1 : v >= beta ? 2 : 0;
+        if (v > best) {
+            best = v;
+            rm.last_score = int16_t(v);
+            rm.pv[0] = move;
+            int n = 1;
+            for (int j = ROOT_PLY + 1; j < MAX_PLY && child_pv[j] && n < MAX_PLY; j++)
+                rm.pv[n++] = child_pv[j];
+            rm.pv[n] = 0;
+            if (line == 0) {
+                t->root_score = v;
+                if (main)
+                    limits.root_score = v;
+                if (t->best_move != move) {
+                    t->best_move = move;
+                    t->best_move_depth = uint8_t(depth);
+                    if (main)
+                        limits.best_change_depth = int16_t(depth);
+                }
+                std::memcpy(t->root_pv, rm.pv, sizeof(uint16_t) * size_t(n + 1));
+            }
+            if (v > alpha)
+                alpha = v;
+            if (main && search_settings.multi_pv == 1)
+                print_info_line(t, depth, v, rm.pv, line + 1, v >= beta ? '+' : v <= pi.alpha ? '-' : '.');
+            if (v >= beta)
+                break;
+        }
+    }
+    return best;
+}
+
+void iterate(SearchThread* t)
+{
+    bool main = is_main(t);
+    int multi_pv = std::min<int>(search_settings.multi_pv, t->root_count);
+    int max_depth = limits.max_depth;
+    for (int d = 1; d < MAX_ITERATION; d++) {
+        // Step 1: helpers skip a depth that most threads already search,
+        // and shake their root order.
+        if (!main) {
+            if (d > 5 && d < max_depth && multi_pv == 1) {
+                int at_or_beyond = 0;
+                for (int i = 0; i < worker_count(); i++)
+                    if (worker(i)->iteration_depth >= d)
+                        at_or_beyond++;
+                if (at_or_beyond > (limits.thread_count >> 1))
+                    d++;
+            }
+            for (int i = 0; i < t->root_count; i++) {
+                t->root_seed = t->root_seed * 19375u + 987654321u;
+                t->root_moves[i].entry.score = int16_t(t->root_moves[i].entry.score - int(t->root_seed % 24));
+            }
+            stable_sort_from(t, 0);
+        }
+        // Step 2.
+        if (main)
+            limits.search_depth = uint8_t(d);
+        t->iteration_depth = uint8_t(d);
+
+        // Step 3: one aspiration search per line.
+        for (int k = 0; k < multi_pv && k < t->root_count; k++) {
+            if (main)
+                limits.root_line_state = 0;
+            int s = k == 0 ? t->root_score : t->root_moves[k].last_score;
+            int delta = std::abs(s) / 16 + 25 + (d < 6 ? (6 - d) * 10 : 0);
+            int lower = d == 1 || s == NO_SCORE ? -INFINITE_SCORE : s - delta;
+            int upper = d == 1 || s == NO_SCORE ? INFINITE_SCORE : s + delta;
+            int v = 0;
+            for (;;) {
+                if (stopped())
+                    break;
+                if (lower < -ASPIRATION_BOUND)
+                    lower = -INFINITE_SCORE;
+                if (upper > ASPIRATION_BOUND)
+                    upper = INFINITE_SCORE;
+                v = search_root(t, d, lower, upper, k);
+                if (!stopped())
+                    stable_sort_from(t, k);
+                if (stopped())
+                    break;
+                if (v > lower && v < upper)
+                    break;
+                if (v <= lower)
+                    lower -= delta;
+                else
+                    upper += delta;
+                delta *= 2;
+            }
+            if (!stopped()) {
+                t->root_moves[k].last_score = int16_t(v);
+                if (main && multi_pv >= 2)
+                    print_info_line(t, d, v, t->root_moves[k].pv, k + 1, '.');
+            }
+        }
+
+        // Step 4: statistics of the iteration.
+        limits.nodes_at_depth[d] += t->nodes;
+        if (stopped())
+            break;
+        if (main) {
+            limits.completed_depth = int8_t(d);
+            limits.completed_time = now_seconds() - limits.start_time;
+            limits.root_score_by_depth[d] = int16_t(t->root_score);
+        }
+        // Step 5: mate found, depth reached, or the game too long.
+        if (std::abs(t->root_score) >= MATE - 1 - d || d >= max_depth || t->game_ply + d > LAST_GAME_PLY)
+            break;
+    }
+    if (main && !stopped())
+        limits.stop_signal = STOP_LIMIT;
+}
+
+void run_search(SearchThread* t)
+{
+    bool main = is_main(t);
+    copy_game_into(t);
+    std::memset(t->plies, 0, sizeof t->plies);
+    clear_history(t);
+    t->nodes = 0;
+    t->tbhits = 0;
+    t->tt_probes = t->tt_hits = 0;
+    t->seldepth = 0;
+    t->iteration_depth = 0;
+    t->null_moves_on_path = 0;
+    t->best_move_depth = 0;
+    t->best_move = 0;
+    t->root_pv[0] = 0;
+    t->root_score = limits.root_score;
+    t->root_seed = 123u * uint32_t(t->thread_number);
+    t->node_limit = limits.node_limit ? limits.node_limit : ~0ULL;
+    t->eval_count = 0;
+    build_root_moves(t);
+    t->plies[ROOT_PLY].tb_result = -1;
+    t->plies[0].tb_result = -1;
+    t->plies[0].eval = NO_SCORE;
+    t->plies[ROOT_PLY].eval = int16_t(evaluate(t, t->pos.side, ROOT_PLY, 0, 0));
+
+    if (main) {
+        limits.single_reply = t->root_count == 1;
+        bool decided = root_tablebase_step(t);
+        t->plies[ROOT_PLY].tb_result = t->root_tb_result;
+        limits.search_started = true;
+        if (decided) {
+            limits.stop_signal = STOP_LIMIT;
+            return;
+        }
+    } else {
+        while (!limits.search_started.load() && !stopped())
+            sleep_ms(1);
+        SearchThread* m = worker(0);
+        if (m && m->root_tb_result != -1)
+            return;
+    }
+    if (t->root_count == 0) {
+        if (main)
+            limits.stop_signal = STOP_LIMIT;
+        return;
+    }
+    iterate(t);
+}

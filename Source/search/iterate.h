@@ -1,0 +1,27 @@
+// Iterative deepening with aspiration windows, the root move loop, and the
+// info lines of the main thread.
+#pragma once
+
+#include <cstdint>
+
+struct SearchThread;
+
+// A worker's whole search: copies the game position, builds the root move
+// list, puts the root to the tablebases (main thread) and iterates.
+void run_search(SearchThread* t);
+
+void iterate(SearchThread* t);
+
+// Root move loop for line k of a MultiPV search, window (alpha, beta).
+int search_root(SearchThread* t, int depth, int alpha, int beta, int line);
+
+// "cp %d", "mate %d" or "mate -%d".
+void score_text(int score, char* text, int size);
+
+// The info line of the main thread for one principal variation; in console
+// mode the progress line.
+void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark);
+
+// Nodes and tablebase hits over all search threads.
+uint64_t total_nodes();
+uint64_t total_tbhits();

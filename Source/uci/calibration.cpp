@@ -1,0 +1,51 @@
+#include "uci/calibration.h"
+
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "search/clock.h"
+#include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "search/timeman.h"
+#include "uci/output.h"
+
+namespace {
+
+constexpr double CALIBRATION_SECONDS = 0.3;
+constexpr double SEARCH_SPEED_FACTOR = 1.17;  // search nodes per counted node of the loop below
+
+}  // namespace
+
+void calibrate_speed()
+{
+    SearchThread* t = worker(0) ? worker(0) : game_thread;
+    Position saved = t->pos;
+    int16_t saved_ply = t->game_ply;
+    set_position(&t->pos, START_FEN);
+    double start = now_seconds(), elapsed = 0;
+    uint64_t nodes = 0;
+    MoveEntry list[MAX_MOVES];
+    do {
+        nodes++;
+        gen_all(&t->pos, list);
+        int made = 0;
+        for (MoveEntry* e = list; e->move != MOVE_END && made < 10; e++) {
+            if (!is_legal(&t->pos, t->pos.side, e->move))
+                continue;
+            make_move(&t->pos, e->move);
+            unmake_move(&t->pos);
+            made++;
+        }
+        elapsed = now_seconds() - start;
+    } while (elapsed < CALIBRATION_SECONDS);
+    t->pos = saved;
+    t->pos.thread = t;
+    t->game_ply = saved_ply;
+    double speed = double(nodes) * SEARCH_SPEED_FACTOR / (elapsed + 0.001);
+    limits.full_nps = speed;
+    limits.full_elo = elo_of_rate(speed);
+    char line[128];
+    send_line(format_line(line, sizeof line, "info string et= %.3f, calibration nps= %0.0f", elapsed, speed));
+}

@@ -1,0 +1,210 @@
+#include "uci/engine_loop.h"
+
+#include <cmath>
+
+#include "board/attack_queries.h"
+#include "board/fen.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "board/notation.h"
+#include "book/book.h"
+#include "search/clock.h"
+#include "search/iterate.h"
+#include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "search/timeman.h"
+#include "search/tt.h"
+#include "uci/console_commands.h"
+#include "uci/game.h"
+#include "uci/input.h"
+#include "uci/output.h"
+#include "uci/protocol_mode.h"
+#include "uci/settings.h"
+
+namespace {
+
+// A book move is trusted only if it does not leave the mover in check.
+Move checked_book_move(Move move)
+{
+    if (!move || !is_pseudo_legal(&game_thread->pos, move))
+        return 0;
+    Position* pos = &game_thread->pos;
+    int mover = pos->side;
+    make_move(pos, move);
+    bool bad = in_check(pos, mover);
+    unmake_move(pos);
+    return bad ? 0 : move;
+}
+
+void start_search()
+{
+    prepare_search();
+    limits.preset_move = 0;
+    limits.best_move = limits.ponder_move = 0;
+    const Position* pos = &game_thread->pos;
+    if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
+        Move move = 0;
+        if (game_thread->game_ply < search_settings.book_depth)
+            move = book_probe(pos, search_settings.book_file);
+        if (!move && game_thread->game_ply < search_settings.book2_depth)
+            move = book_probe(pos, search_settings.book2_file);
+        move = checked_book_move(move);
+        if (move) {
+            char line[128];
+            send_line(format_line(line, sizeof line, "%s book move is %s%s", protocol_mode == 1 ? "info string" : "",
+                                  SQUARE_NAMES[move_from(move)], SQUARE_NAMES[move_to(move)]));
+            limits.preset_move = move;
+            limits.best_move = move;
+            limits.best_score = 0;
+            limits.stop_signal = STOP_REPORT;
+        }
+    }
+    limits.search_state = limits.search_state == SEARCH_REQUESTED ? SEARCH_FINISH : SEARCH_PONDERING;
+    if (limits.best_move)
+        return;
+    if (pos->fifty <= 100) {
+        start_search_threads();
+    } else {
+        // Past the fifty-move limit nothing is searched; any legal move will do.
+        MoveEntry list[MAX_MOVES];
+        limits.best_move = gen_legal(pos, list) ? list[0].move : 0;
+        limits.stop_signal = STOP_LIMIT;
+    }
+}
+
+void collect_result()
+{
+    limits.total_nodes = total_nodes();
+    limits.main_probes = limits.main_hits = limits.pawn_probes = limits.pawn_hits = 0;
+    limits.eval_probes = limits.eval_hits = 0;
+    for (int i = 0; i < worker_count(); i++) {
+        const SearchThread* t = worker(i);
+        limits.main_probes += t->tt_probes;
+        limits.main_hits += t->tt_hits;
+        limits.pawn_probes += t->pawn_probes;
+        limits.pawn_hits += t->pawn_hits;
+        limits.eval_probes += t->eval_probes;
+        limits.eval_hits += t->eval_hits;
+    }
+    limits.tb_hits = total_tbhits();
+    if (limits.preset_move || limits.best_move)
+        return;  // a book move, or a move chosen without a search
+    const SearchThread* main = worker(0);
+    if (!main)
+        return;
+    Move best = main->best_move;
+    if (!best && main->root_count > 0)
+        best = main->root_moves[0].entry.move;  // stopped before the first move was searched
+    limits.best_move = best;
+    limits.best_score = int16_t(main->root_score);
+    int n = 0;
+    if (best && main->root_pv[0] == best)
+        for (; main->root_pv[n] && n < MAX_PLY; n++)
+            limits.best_line[n] = main->root_pv[n];
+    else if (best)
+        limits.best_line[n++] = best;
+    limits.best_line[n] = 0;
+    limits.ponder_move = n >= 2 ? limits.best_line[1] : 0;
+}
+
+void print_console_statistics()
+{
+    char text[256], move[MOVE_TEXT_SIZE];
+    move_to_coord(limits.best_move, move);
+    double elapsed = limits.elapsed;
+    int depth = limits.completed_depth;
+    limits.hash_fill = tt_hashfull(depth > 6 ? depth : 7);
+    send_line(format_line(text, sizeof text, "move= %s, time= %0.3f, score= %d, nodes= %0.0f, nps= %0.0fK ebf= %0.2f", move,
+                          elapsed, limits.best_score, double(limits.total_nodes),
+                          double(limits.total_nodes) / (elapsed + 0.001) * 0.001, effective_branching_factor()));
+    send_line(format_line(text, sizeof text,
+                          "Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, TB=%0.0fK",
+                          100 * limits.hash_fill, 100.0 * double(limits.main_hits) / double(limits.main_probes + 1),
+                          100.0 * double(limits.pawn_hits) / double(limits.pawn_probes + 1),
+                          100.0 * double(limits.eval_hits) / double(limits.eval_probes + 1), double(limits.tb_hits) * 0.001));
+    const uint32_t* c = limits.node_type_count;
+    if (c[0] + c[1] + c[2] + c[3])
+        send_line(format_line(text, sizeof text, "ncnt1= %d, ncnt2= %d, ncnt3= %d, ncnt4= %d", c[0], c[1], c[2], c[3]));
+    send_line("");
+}
+
+void report_if_due()
+{
+    uint8_t stop = limits.stop_signal;
+    if (count_busy_threads() || limits.search_state != SEARCH_FINISH || (stop != STOP_REPORT && stop != STOP_LIMIT))
+        return;
+    // An infinite search that ended by itself waits for "stop".
+    if (stop == STOP_LIMIT && limits.infinite)
+        return;
+    limits.elapsed = now_seconds() - limits.start_time;
+    bool searched = !limits.preset_move && !limits.best_move;
+    collect_result();
+    if (searched && worker(0))
+        print_info_line(worker(0), limits.completed_depth, limits.best_score, limits.best_line, 1, ' ');
+    if (protocol_mode == 1) {
+        char best[MOVE_TEXT_SIZE], ponder[MOVE_TEXT_SIZE + 8] = "", line[64];
+        move_to_coord(limits.best_move, best);
+        if (limits.ponder_move) {
+            char text[MOVE_TEXT_SIZE];
+            move_to_coord(limits.ponder_move, text);
+            format_line(ponder, sizeof ponder, " ponder %s", text);
+        }
+        send_line(format_line(line, sizeof line, "bestmove %s%s", best, ponder));
+    } else {
+        print_console_statistics();
+    }
+    limits.search_state = SEARCH_IDLE;
+
+    if (limits.self_play) {
+        double& clock = game_thread->pos.side == WHITE ? limits.white_time : limits.black_time;
+        clock = clock - limits.elapsed + limits.increment;
+        if (!limits.best_move) {
+            limits.self_play = false;
+            return;
+        }
+        play_game_move(limits.best_move);
+        show_game_board();
+        limits.search_state = SEARCH_REQUESTED;
+    }
+}
+
+}  // namespace
+
+double effective_branching_factor()
+{
+    int d = limits.completed_depth;
+    if (d <= 5 || d >= MAX_PLY)
+        return 2.0;
+    double n = double(limits.nodes_at_depth[d]), m = double(limits.nodes_at_depth[d - 4]);
+    if (n == 0 || m == 0)
+        return 2.0;
+    return std::pow(n / m, 0.25);
+}
+
+void engine_round()
+{
+    sleep_ms(1);
+    check_time();
+    bool pending = false;
+    uint8_t state = limits.search_state;
+    if (state != SEARCH_REQUESTED && state != PONDER_REQUESTED)
+        poll_input();
+    else
+        pending = true;
+    if (quit_requested)
+        return;
+    if (pending)
+        start_search();
+    report_if_due();
+}
+
+void run_engine_loop()
+{
+    set_game_position(START_FEN);
+    show_game_board();
+    quit_requested = false;
+    limits.search_state = SEARCH_IDLE;
+    while (!quit_requested)
+        engine_round();
+}

@@ -1,0 +1,12 @@
+// The input thread's loop once start-up is done: commands, search starts,
+// and the report of each finished search.
+#pragma once
+
+// Runs until "quit".
+void run_engine_loop();
+
+// (N(d) / N(d - 4)) ^ 0.25 over the nodes per iteration, or 2.0.
+double effective_branching_factor();
+
+// One round of the loop (sleep, clock, input, start, report); for tests.
+void engine_round();
