@@ -60,7 +60,10 @@ PinInfo pin_info(const Position* pos, int side)
             info.pinned |= b;
     }
     info.king_square = uint8_t(ksq);
-    info.in_check = uint8_t(is_square_attacked(pos, ksq, them));
+    Bitboard checkers = (p[PAWN] & PAWN_ATTACKS[side][ksq]) | (p[KNIGHT] & KNIGHT_ATTACKS[ksq])
+                        | ((p[BISHOP] | p[QUEEN]) & bishop_attacks(ksq, occ)) | ((p[ROOK] | p[QUEEN]) & rook_attacks(ksq, occ));
+    info.in_check = checkers != 0;
+    info.checker = uint8_t(checkers ? lsb(checkers) : NO_SQUARE);
     return info;
 }
 

@@ -86,6 +86,21 @@ inline void lift(Position* pos, int sq)
 
 }  // namespace
 
+uint64_t key_after(const Position* pos, Move move)
+{
+    int from = move_from(move), to = move_to(move);
+    int piece = pos->board[from], captured = pos->board[to];
+    uint64_t k = pos->key ^ piece_key(piece, from) ^ piece_key(piece, to);
+    if (captured)
+        k ^= piece_key(captured, to);
+    if (pos->ep_square != NO_SQUARE)
+        k ^= ZOBRIST[pos->ep_square];
+    int castling = pos->castling & ~(castle_mask_of(from) | castle_mask_of(to));
+    if (castling != pos->castling)
+        k ^= ZOBRIST[pos->castling] ^ ZOBRIST[castling];
+    return (k & ~1ULL) + (pos->side ^ 1);
+}
+
 void make_move(Position* pos, Move move)
 {
     SearchThread* t = pos->thread;

@@ -9,6 +9,10 @@ void unmake_move(Position* pos);
 void make_null(Position* pos);
 void unmake_null(Position* pos);
 
+// The key after an ordinary move, close enough to prefetch the table bucket
+// early (en-passant keys and special moves are not followed exactly).
+uint64_t key_after(const Position* pos, Move move);
+
 // Piece placement with every summary kept current (used by the reader too).
 void place_piece(Position* pos, int code, int sq);
 void remove_piece(Position* pos, int sq);

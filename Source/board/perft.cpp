@@ -1,6 +1,5 @@
 #include "board/perft.h"
 
-#include "board/attack_queries.h"
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
@@ -12,17 +11,24 @@
 void perft(SearchThread* t, int side, int ply, int depth)
 {
     Position* pos = &t->pos;
-    int checker = find_attacker(pos, pos->king_square[side], side ^ 1, occupancy(pos));
-    t->plies[ply].in_check = checker != NO_SQUARE;
-    init_picker(t, ply, MODE_PLAIN, checker);
     PinInfo info = pin_info(pos, side);
+    t->plies[ply].in_check = info.in_check;
+    init_picker(t, ply, MODE_PLAIN, info.checker);
+    if (depth == 1) {
+        // Bulk count: the picker generates the whole list at once in its
+        // plain mode; count the legal entries without making them.
+        MoveEntry* first = next_move(t, ply);
+        if (!first)
+            return;
+        uint64_t n = 0;
+        for (MoveEntry* e = first; e != t->plies[ply].list_end; e++)
+            n += is_legal_fast(pos, side, e->move, info);
+        t->nodes += n;
+        return;
+    }
     while (MoveEntry* e = next_move(t, ply)) {
         if (!is_legal_fast(pos, side, e->move, info))
             continue;
-        if (depth == 1) {
-            t->nodes++;
-            continue;
-        }
         make_move(pos, e->move);
         perft(t, side ^ 1, ply + 1, depth - 1);
         unmake_move(pos);

@@ -83,6 +83,7 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
             continue;
         // h: search it.
         pi.current_move = m;
+        tt_prefetch(key_after(pos, move));
         make_move(pos, move);
         int v = -search_node(t, enemy, ply + 1, depth - 1, -beta, -a, -node_type, child_pv);
         unmake_move(pos);

@@ -422,6 +422,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
 
         // Step 5: search the move.
         pi.current_move = e;
+        tt_prefetch(key_after(pos, move));
         make_move(pos, move);
         int v;
         if (pi.moves_tried > 0 && depth >= 2) {

@@ -17,7 +17,9 @@ TransTable tt;
 namespace {
 
 bool keys_made = false;
+void* mapped = nullptr;
 size_t mapped_bytes = 0;
+constexpr size_t HUGE_PAGE = 2 * 1024 * 1024;
 
 // Scores of this size or more are mate scores made relative on store.
 constexpr int STORE_MATE = 9699;
@@ -79,8 +81,9 @@ uint64_t tt_bucket_index(uint64_t key)
 
 void tt_free()
 {
-    if (tt.words)
-        munmap(tt.words, mapped_bytes);
+    if (mapped)
+        munmap(mapped, mapped_bytes);
+    mapped = nullptr;
     tt.words = nullptr;
     mapped_bytes = 0;
     tt.entries = 0;
@@ -96,11 +99,18 @@ int tt_allocate(int megabytes)
     tt.megabytes = megabytes;
     tt.entries = uint32_t(megabytes) * 65536u;
     size_t bytes = (size_t(tt.entries) + 16) * 16;
-    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    // Mapped on a huge-page boundary and offered for huge pages: the table's
+    // random accesses then cost far fewer address translations.
+    size_t total = bytes + HUGE_PAGE;
+    void* memory = mmap(nullptr, total, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED)
         return 0;
-    tt.words = static_cast<uint64_t*>(memory);
-    mapped_bytes = bytes;
+    mapped = memory;
+    mapped_bytes = total;
+    uintptr_t aligned = (reinterpret_cast<uintptr_t>(memory) + HUGE_PAGE - 1) & ~(uintptr_t(HUGE_PAGE) - 1);
+    tt.words = reinterpret_cast<uint64_t*>(aligned);
+    if (bytes >= HUGE_PAGE)
+        madvise(tt.words, bytes & ~(HUGE_PAGE - 1), MADV_HUGEPAGE);
     uint64_t p = 1;
     while (p * 2 <= tt.entries)
         p *= 2;
