@@ -117,6 +117,11 @@ bool root_tablebase_step(SearchThread* t)
 
 }  // namespace
 
+int helper_depth(int depth, int threads_at_depth, int thread_count)
+{
+    return threads_at_depth > (thread_count >> 1) ? depth + 1 : depth;
+}
+
 uint64_t total_nodes()
 {
     uint64_t n = 0;
@@ -273,8 +278,7 @@ void iterate(SearchThread* t)
                 for (int i = 0; i < worker_count(); i++)
                     if (worker(i)->iteration_depth >= d)
                         at_or_beyond++;
-                if (at_or_beyond > (limits.thread_count >> 1))
-                    d++;
+                d = helper_depth(d, at_or_beyond, limits.thread_count);
             }
             for (int i = 0; i < t->root_count; i++) {
                 t->root_seed = t->root_seed * 19375u + 987654321u;
@@ -382,8 +386,12 @@ void run_search(SearchThread* t)
             return;
     }
     if (t->root_count == 0) {
-        if (main)
+        // Checkmate or stalemate on the board: nothing to search.
+        t->root_score = in_check(&t->pos, t->pos.side) ? ROOT_PLY - MATE : 0;
+        if (main) {
+            limits.root_score = t->root_score;
             limits.stop_signal = STOP_LIMIT;
+        }
         return;
     }
     iterate(t);

@@ -22,6 +22,10 @@ void score_text(int score, char* text, int size);
 // mode the progress line.
 void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark);
 
+// A helper goes one deeper when more than half of the threads already
+// search `depth` or beyond.
+int helper_depth(int depth, int threads_at_depth, int thread_count);
+
 // Nodes and tablebase hits over all search threads.
 uint64_t total_nodes();
 uint64_t total_tbhits();

@@ -151,6 +151,10 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     Position* pos = &t->pos;
     PlyInfo& pi = t->plies[ply];
 
+    // The caller reads this node's line whatever way it returns.
+    pv[ply] = 0;
+    pv[ply + 1] = 0;
+
     // Step 1: count the node and keep to the strength limit's node rate.
     t->nodes++;
     limit_node_rate(t);
@@ -450,10 +454,9 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
             best = v;
             best_move = move;
             pv[ply] = move;
-            if (v >= beta)
-                break;
+            pv[ply + 1] = 0;
             if (v > alpha) {
-                alpha = v;
+                // The line of a move that raised alpha (a cut included).
                 if (ply + 1 < MAX_PLY) {
                     int i = ply + 1;
                     for (; i < MAX_PLY && child_pv[i]; i++)
@@ -461,6 +464,9 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
                     if (i < MAX_PLY)
                         pv[i] = 0;
                 }
+                if (v >= beta)
+                    break;
+                alpha = v;
             }
         }
     }

@@ -160,18 +160,10 @@ void start_clock_on_ponderhit()
     limits.search_mode = MODE_TIMED;
 }
 
-void check_time()
+bool time_is_up(double elapsed, int depth)
 {
-    double elapsed = now_seconds() - limits.start_time;
-    limits.elapsed = elapsed;
-    if (limits.stop_signal != STOP_NONE || limits.search_mode != MODE_TIMED || elapsed < MIN_ELAPSED)
-        return;
-    SearchThread* main = worker(0);
-    if (!main)
-        return;
-    int depth = main->iteration_depth;
-    if (depth <= 1)
-        return;
+    if (limits.stop_signal != STOP_NONE || limits.search_mode != MODE_TIMED || depth <= 1 || elapsed < MIN_ELAPSED)
+        return false;
     double remaining = std::max(0.0, own_clock(game_thread->pos.side) - elapsed);
     double t = limits.target_time;
     double overhead = 0;
@@ -196,7 +188,14 @@ void check_time()
         t += extra;
     }
     t -= overhead;
-    bool stop = (limits.single_reply && depth >= 6) || 5 * overhead > remaining || elapsed >= t;
-    if (stop)
+    return (limits.single_reply && depth >= 6) || 5 * overhead > remaining || elapsed >= t;
+}
+
+void check_time()
+{
+    double elapsed = now_seconds() - limits.start_time;
+    limits.elapsed = elapsed;
+    SearchThread* main = worker(0);
+    if (main && time_is_up(elapsed, main->iteration_depth))
         limits.stop_signal = STOP_REPORT;
 }

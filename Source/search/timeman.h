@@ -9,6 +9,10 @@ void prepare_search();
 // raises the stop flag when a timed search has used its time.
 void check_time();
 
+// The stop test of a timed search after `elapsed` seconds while the main
+// thread works on iteration `depth`.
+bool time_is_up(double elapsed, int depth);
+
 // The Elo that a node rate plays at, and the rate for an Elo (bisection).
 double elo_of_rate(double nodes_per_second);
 double rate_for_elo(double elo);

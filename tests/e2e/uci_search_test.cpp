@@ -1,0 +1,156 @@
+// Searches driven over pipes the way an interface drives them.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <sstream>
+
+#include "board/fen.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "board/notation.h"
+#include "board/draw.h"
+#include "board/attack_queries.h"
+#include "support/engine_process.h"
+#include "support/test_positions.h"
+#include "uci/protocol_mode.h"
+
+namespace {
+
+long long value_after(const std::string& line, const std::string& word)
+{
+    std::istringstream in(line);
+    std::string w;
+    while (in >> w)
+        if (w == word && in >> w)
+            return std::stoll(w);
+    return -1;
+}
+
+std::string last_info(const std::vector<std::string>& lines)
+{
+    for (auto it = lines.rbegin(); it != lines.rend(); ++it)
+        if (it->rfind("info depth", 0) == 0 && it->find(" pv ") != std::string::npos)
+            return *it;
+    return "";
+}
+
+struct Uci {
+    EngineProcess e;
+    explicit Uci(std::vector<std::string> args = {}) : e(args)
+    {
+        e.send_line("uci");
+        e.wait_for("uciok");
+    }
+    std::string go(const std::string& position, const std::string& go, std::vector<std::string>* seen = nullptr)
+    {
+        e.send_line("position " + position);
+        e.send_line("go " + go);
+        return e.wait_for("bestmove", 60000, seen);
+    }
+};
+
+}  // namespace
+
+TEST(UciSearch, LimitsAreHonoured)
+{
+    Uci u;
+    std::vector<std::string> seen;
+    EXPECT_NE(u.go("startpos", "depth 6", &seen), "");
+    EXPECT_EQ(value_after(last_info(seen), "depth"), 6);
+
+    seen.clear();
+    EXPECT_NE(u.go("startpos moves e2e4", "nodes 20000", &seen), "");
+    long long nodes = value_after(last_info(seen), "nodes");
+    EXPECT_GT(nodes, 0);
+    EXPECT_LT(nodes, 20000 * 104 / 100 + 5000);  // jittered limit, checked once per node
+
+    seen.clear();
+    EXPECT_NE(u.go("startpos", "movetime 300", &seen), "");
+    EXPECT_GE(value_after(last_info(seen), "time"), 250);
+
+    // Mate in one: the PV ends with the mate, so there is no ponder move and
+    // the line ends right after the move.
+    EXPECT_EQ(u.go("fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", "wtime 10000 btime 10000"), "bestmove a1a8");
+    // No legal move at all.
+    EXPECT_EQ(u.go("fen 7k/7P/6K1/8/8/8/8/8 b - - 0 1", "depth 5"), "bestmove null");
+}
+
+TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
+{
+    Uci u;
+    u.e.send_line("position startpos");
+    u.e.send_line("go infinite");
+    std::string line;
+    std::vector<std::string> seen;
+    // Nothing is reported while the search runs, even when asked if ready.
+    u.e.send_line("isready");
+    EXPECT_EQ(u.e.wait_for("readyok"), "readyok");
+    EXPECT_EQ(u.e.wait_for("bestmove", 500), "");
+    auto start = std::chrono::steady_clock::now();
+    u.e.send_line("stop");
+    EXPECT_NE(u.e.wait_for("bestmove", 5000), "");
+    double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    RecordProperty("stop_to_bestmove_ms", int(ms));
+    EXPECT_LT(ms, 2000);  // a hang guard, not a speed test
+
+    // A ponder search that ends on its own (mate in one) waits for ponderhit.
+    u.e.send_line("position fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1");
+    u.e.send_line("go ponder wtime 10000 btime 10000");
+    EXPECT_EQ(u.e.wait_for("bestmove", 700), "");
+    u.e.send_line("ponderhit");
+    EXPECT_EQ(u.e.wait_for("bestmove", 5000), "bestmove a1a8");
+
+    // go ponder then stop.
+    u.e.send_line("position startpos moves e2e4");
+    u.e.send_line("go ponder wtime 10000 btime 10000");
+    EXPECT_EQ(u.e.wait_for("bestmove", 300), "");
+    u.e.send_line("stop");
+    EXPECT_NE(u.e.wait_for("bestmove", 5000), "");
+    u.e.send_line("quit");
+    EXPECT_EQ(u.e.wait_exit(), 0);
+}
+
+// Engine against itself through the protocol, with a clock: every move must
+// be legal, until the game ends or 200 plies are played.
+TEST(UciSearch, SelfPlayGameStaysLegal)
+{
+    for (int threads : {1, 2}) {
+        Uci u;
+        u.e.send_line("setoption name Threads value " + std::to_string(threads));
+        u.e.send_line("setoption name Hash value 8");
+        u.e.send_line("ucinewgame");
+        SearchThread* t = new_test_thread();
+        set_test_position(t, START_FEN);
+        int16_t saved_mode = protocol_mode;
+        protocol_mode = 1;
+        std::string moves;
+        double wtime = 600, btime = 600;
+        int ply = 0;
+        for (; ply < 200; ply++) {
+            MoveEntry list[MAX_MOVES];
+            if (gen_legal(&t->pos, list) == 0 || is_draw(&t->pos, 0))
+                break;
+            std::string line = u.go("startpos" + (moves.empty() ? "" : " moves" + moves),
+                                    "wtime " + std::to_string(int(wtime)) + " btime " + std::to_string(int(btime)) +
+                                        " winc 10 binc 10");
+            ASSERT_EQ(line.rfind("bestmove ", 0), 0u) << moves;
+            std::string move = line.substr(9, line.find(' ', 9) - 9);
+            Move m = 0;
+            int n = gen_legal(&t->pos, list);
+            for (int i = 0; i < n; i++) {
+                char text[MOVE_TEXT_SIZE];
+                move_to_coord(list[i].move, text);
+                if (move == text)
+                    m = list[i].move;
+            }
+            ASSERT_NE(m, 0) << "illegal move " << move << " after" << moves;
+            make_move(&t->pos, m);
+            moves += " " + move;
+        }
+        protocol_mode = saved_mode;
+        EXPECT_GT(ply, 10);
+        free_test_thread(t);
+        u.e.send_line("quit");
+        EXPECT_EQ(u.e.wait_exit(), 0);
+    }
+}

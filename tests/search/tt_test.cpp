@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "board/fen.h"
+#include "search/tt.h"
+#include "support/test_positions.h"
+
+namespace {
+
+class TransTableTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        t = new_test_thread();
+        set_test_position(t, "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -");
+        tt_allocate(1);
+        tt.use_hash = 1;
+        tt.age = 1;
+    }
+    void TearDown() override { free_test_thread(t); }
+    TransEntry probe_key(uint64_t key)
+    {
+        uint64_t saved = t->pos.key;
+        t->pos.key = key;
+        TransEntry e;
+        e.depth = TT_MISS;
+        tt_probe(&t->pos, &e);
+        t->pos.key = saved;
+        return e;
+    }
+    TransEntry probe() { return probe_key(t->pos.key); }
+    void store_key(uint64_t key, int depth, int score)
+    {
+        uint64_t saved = t->pos.key;
+        t->pos.key = key;
+        tt_store(&t->pos, 3, depth, 0, score, -10001, 10001);
+        t->pos.key = saved;
+    }
+    SearchThread* t = nullptr;
+    const Move bc4 = make_move_code(5, 26);  // Bf1-c4
+};
+
+}  // namespace
+
+TEST_F(TransTableTest, BucketPlacementAndSize)
+{
+    tt_allocate(3);  // not a power of two: the two ends overlap in the middle
+    EXPECT_EQ(tt.entries, 196608u);
+    EXPECT_EQ(tt.index_mask, 131071u);
+    EXPECT_EQ(tt_bucket_index(131070), 131070u);          // even keys count from the front
+    EXPECT_EQ(tt_bucket_index(131071), 196608u - 131071); // odd keys from the back
+    EXPECT_EQ(tt_bucket_index(1), 196607u);               // reaches three entries into the spare ones at top
+    tt_allocate(1);
+    EXPECT_EQ(tt.index_mask, 65535u);
+}
+
+TEST_F(TransTableTest, StoreProbeAndRefusals)
+{
+    EXPECT_LT(probe().depth, -9);
+    tt_store(&t->pos, 3, 8, bc4, 37, 0, 100);
+    TransEntry e = probe();
+    EXPECT_EQ(e.depth, 8);
+    EXPECT_EQ(e.move, bc4);
+    EXPECT_EQ(e.score, 37);
+    EXPECT_EQ(e.bound, BOUND_EXACT);
+    EXPECT_EQ(e.age, 1);
+
+    // A shallower draft on the same key is refused only when the old one is
+    // more than 3 deeper and the fifty-move counter has not grown.
+    tt_store(&t->pos, 3, 5, bc4, 11, 0, 100);
+    EXPECT_EQ(probe().score, 11);
+    tt_store(&t->pos, 3, 1, bc4, 12, 0, 100);
+    EXPECT_EQ(probe().score, 11);
+    tt_store(&t->pos, 3, 9, bc4, 14, 0, 100);
+    tt_store(&t->pos, 3, 5, bc4, 15, 0, 100);
+    EXPECT_EQ(probe().score, 14);
+    t->pos.fifty++;
+    tt_store(&t->pos, 3, 5, bc4, 13, 20, 100);
+    EXPECT_EQ(probe().score, 13);
+    EXPECT_EQ(probe().bound, BOUND_UPPER);
+    tt_store(&t->pos, 3, 5, bc4, 150, 20, 100);
+    EXPECT_EQ(probe().bound, BOUND_LOWER);
+
+    // Mate scores are made relative from 9699 on; 9599..9698 are not.
+    tt_store(&t->pos, 5, 9, 0, 9700, -10001, 10001);
+    EXPECT_EQ(probe().score, 9705);
+    tt_store(&t->pos, 5, 9, 0, 9650, -10001, 10001);
+    EXPECT_EQ(probe().score, 9650);
+    tt_store(&t->pos, 5, 9, 0, -9699, -10001, 10001);
+    EXPECT_EQ(probe().score, -9699);
+    tt_store(&t->pos, 5, 9, 0, -9700, -10001, 10001);
+    EXPECT_EQ(probe().score, -9705);
+
+    tt.use_hash = 0;
+    EXPECT_LT(probe().depth, -9);
+}
+
+TEST_F(TransTableTest, TornEntriesAndForeignMovesAreMisses)
+{
+    tt_store(&t->pos, 3, 8, bc4, 37, 0, 100);
+    uint64_t* words = tt.words + 2 * tt_bucket_index(t->pos.key);
+    words[1] ^= uint64_t(5) << 16;  // another writer's score: the check word no longer fits
+    EXPECT_EQ(probe().depth, TT_TORN);
+    tt_store(&t->pos, 3, 9, make_move_code(0, 63), 37, 0, 100);  // a move that cannot be played here
+    EXPECT_EQ(probe().depth, TT_BAD_MOVE);
+}
+
+TEST_F(TransTableTest, ReplacementByAgeAndDraft)
+{
+    // Five positions sharing one bucket: same index bits, different locks.
+    const uint64_t base = 0x0123456700000040ULL;
+    auto key = [&](int i) { return base + (uint64_t(i) << 20); };
+    for (int i = 0; i < 4; i++)
+        store_key(key(i), 10 + i, i);
+    // All four written in this search: the shallowest goes, unless more than 7 deeper.
+    store_key(key(4), 2, 99);
+    EXPECT_LT(probe_key(key(4)).depth, -9);
+    EXPECT_EQ(probe_key(key(0)).depth, 10);
+    store_key(key(4), 3, 99);
+    EXPECT_EQ(probe_key(key(4)).depth, 3);
+    EXPECT_LT(probe_key(key(0)).depth, -9);
+    // In a new search the first entry of an older search makes way, whatever its draft.
+    tt_new_search();
+    store_key(key(5), 1, 5);
+    EXPECT_EQ(probe_key(key(5)).depth, 1);
+    EXPECT_LT(probe_key(key(4)).depth, -9);  // slot 0 held key 4
+    EXPECT_EQ(probe_key(key(1)).depth, 11);
+}
+
+TEST_F(TransTableTest, HashfullSamplesTheMiddle)
+{
+    std::mt19937_64 rng(1);
+    for (int i = 0; i < 20000; i++)
+        store_key(rng(), 5, 0);
+    EXPECT_EQ(tt_hashfull(6), 0.0);
+    double full = tt_hashfull(7);
+    EXPECT_GT(full, 0.05);
+    EXPECT_LT(full, 0.6);
+    tt_new_search();
+    EXPECT_EQ(tt_hashfull(7), 0.0);  // nothing written in this search yet
+    tt_clear();
+    tt_new_search();
+    EXPECT_LT(probe_key(rng()).depth, -9);
+}
