@@ -15,6 +15,7 @@
 #include "search/history.h"
 #include "search/limits.h"
 #include "search/search.h"
+#include "search/search_params.h"
 #include "search/search_thread.h"
 #include "search/search_values.h"
 #include "search/threads.h"
@@ -27,7 +28,6 @@
 namespace {
 
 constexpr int UNSEARCHED = -11000;
-constexpr int ASPIRATION_BOUND = 5000;
 constexpr double CURRMOVE_AFTER = 3.5;  // seconds before the main thread shows its current move
 constexpr int MAX_ITERATION = 69;
 constexpr int LAST_GAME_PLY = 883;
@@ -150,6 +150,7 @@ void score_text(int score, char* text, int size)
 
 void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark)
 {
+    std::lock_guard<std::mutex> guard(info_lock);
     char pv_text[MAX_PV_SHOWN * 8];
     format_pv(pv, pv_text, sizeof pv_text);
     double elapsed = now_seconds() - limits.start_time;
@@ -303,10 +304,8 @@ void iterate(SearchThread* t)
             for (;;) {
                 if (stopped())
                     break;
-                if (lower < -ASPIRATION_BOUND)
-                    lower = -INFINITE_SCORE;
-                if (upper > ASPIRATION_BOUND)
-                    upper = INFINITE_SCORE;
+                lower = open_lower(lower);
+                upper = open_upper(upper);
                 v = search_root(t, d, lower, upper, k);
                 if (!stopped())
                     stable_sort_from(t, k);
@@ -328,7 +327,10 @@ void iterate(SearchThread* t)
         }
 
         // Step 4: statistics of the iteration.
-        limits.nodes_at_depth[d] += t->nodes;
+        {
+            std::lock_guard<std::mutex> guard(stats_lock);
+            limits.nodes_at_depth[d] += t->nodes;
+        }
         if (stopped())
             break;
         if (main) {

@@ -95,7 +95,8 @@ struct SearchLimits {
 
     int thread_count;
     uint8_t clear_pending;
-    bool self_play;
+    bool self_play;   // console "self": the engine plays both sides
+    bool play_once;   // console "move": the engine plays one move
 };
 
 extern SearchLimits limits;

@@ -309,7 +309,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
         // 18c: null move.
         const MoveEntry* m1 = t->plies[ply - 1].current_move;
         const MoveEntry* m2 = ply >= 2 ? t->plies[ply - 2].current_move : nullptr;
-        if (depth >= search_params.nmp_depth && t->null_moves_on_path <= uint16_t(t->iteration_depth * 205) >> 11
+        if (depth >= search_params.nmp_depth && null_move_allowed(t->null_moves_on_path, t->iteration_depth)
             && m1 != &NULL_MOVE_ENTRY && m2 != &NULL_MOVE_ENTRY) {
             int R = depth > 9 && non_pawn_units(pos, side) >= 4 ? 4 : 3;
             pi.current_move = &NULL_MOVE_ENTRY;

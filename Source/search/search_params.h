@@ -28,3 +28,15 @@ extern SearchParams search_params;
 void build_search_params();
 
 inline int margin_index(int depth) { return depth < 0 ? 0 : depth >= MARGIN_DEPTHS ? MARGIN_DEPTHS - 1 : depth; }
+
+// Null moves allowed on one path: one below iteration 10, then one more per
+// ten iterations or so ((iteration * 205) >> 11 further ones).
+inline bool null_move_allowed(int nulls_on_path, int iteration_depth)
+{
+    return nulls_on_path <= (uint16_t(iteration_depth * 205) >> 11);
+}
+
+// Aspiration bounds beyond +-5000 open all the way.
+constexpr int ASPIRATION_LIMIT = 5000;
+inline int open_lower(int bound) { return bound < -ASPIRATION_LIMIT ? -10001 : bound; }
+inline int open_upper(int bound) { return bound > ASPIRATION_LIMIT ? 10001 : bound; }

@@ -1,6 +1,5 @@
 #include "uci/console_commands.h"
 
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,14 +12,19 @@
 #include "board/notation.h"
 #include "board/perft.h"
 #include "board/see.h"
+#include "book/book.h"
 #include "eval/evaluate.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
+#include "search/timeman.h"
+#include "search/tt.h"
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/output.h"
+#include "uci/position_editor.h"
 #include "uci/protocol_mode.h"
+#include "uci/settings.h"
 
 namespace {
 
@@ -52,91 +56,28 @@ void split_words(const char* line, Words* w)
     }
 }
 
-// --- position editor --------------------------------------------------------
+int clamp(long v, int lo, int hi) { return v < lo ? lo : v > hi ? hi : int(v); }
 
-struct Editor {
-    bool active;
-    int colour;
-    Position board;
+void echo_setting(const char* name, int value)
+{
+    char line[128];
+    send_line(format_line(line, sizeof line, "%s set to %d", name, value));
+}
+
+// The search depth settings a console word may set, by its name.
+struct DepthWord {
+    const char* word;
+    int setting;
 };
-Editor editor;
 
-void editor_help()
+const DepthWord DEPTH_WORDS[] = {{"NMP_depth", NMP_DEPTH}, {"SEP_depth", SEP_DEPTH}, {"FP_depth", FP_DEPTH},
+                                 {"ProbCut_depth", PC_DEPTH}, {"LMP_depth", LMP_DEPTH}, {"LMR_depth", LMR_DEPTH}};
+
+void search_setting(int index, int value)
 {
-    send_line(".                    end edit");
-    send_line("#                    clear board");
-    send_line("w  Pa2 Pb2 Kc2       white, pieces");
-    send_line("b  Pa7 Pb7 Kc7       black, pieces");
+    settings.search[index] = int16_t(value);
+    settings_changed_after_option();
 }
-
-void editor_finish()
-{
-    editor.active = false;
-    limits.stop_signal = STOP_NONE;
-    // Castling rights follow from kings and rooks on their home squares.
-    Position* p = &editor.board;
-    p->castling = 0;
-    if (p->board[4] == piece_code(KING, WHITE)) {
-        if (p->board[7] == piece_code(ROOK, WHITE))
-            p->castling |= 1;
-        if (p->board[0] == piece_code(ROOK, WHITE))
-            p->castling |= 2;
-    }
-    if (p->board[60] == piece_code(KING, BLACK)) {
-        if (p->board[63] == piece_code(ROOK, BLACK))
-            p->castling |= 4;
-        if (p->board[56] == piece_code(ROOK, BLACK))
-            p->castling |= 8;
-    }
-    p->ep_square = NO_SQUARE;
-    char fen[128];
-    write_fen(p, fen);
-    if (set_game_position(fen))
-        show_game_board();
-}
-
-void editor_line(const char* line)
-{
-    Words w;
-    split_words(line, &w);
-    for (const char* token : w.text) {
-        if (!*token)
-            break;
-        if (!std::strcmp(token, ".")) {
-            editor_finish();
-            return;
-        }
-        if (!std::strcmp(token, "#")) {
-            std::memset(editor.board.board, 0, sizeof editor.board.board);
-            continue;
-        }
-        if (!std::strcmp(token, "w") || !std::strcmp(token, "b")) {
-            editor.colour = token[0] == 'w' ? WHITE : BLACK;
-            continue;
-        }
-        const char* letters = "pnbrqk";
-        const char* found = std::strchr(letters, std::tolower(token[0]));
-        if (!found || !token[0] || std::strlen(token) != 3 || token[1] < 'a' || token[1] > 'h' || token[2] < '1'
-            || token[2] > '8') {
-            char text[300];
-            send_line(format_line(text, sizeof text, "can't place '%.200s'", token));
-            continue;
-        }
-        int sq = make_square(token[1] - 'a', token[2] - '1');
-        editor.board.board[sq] = uint8_t(piece_code(int(found - letters) + 1, editor.colour));
-    }
-}
-
-void edit_command()
-{
-    editor.active = true;
-    editor.colour = WHITE;
-    editor.board = game_thread->pos;
-    limits.stop_signal = STOP_LIMIT;
-    editor_help();
-}
-
-// --- other commands ---------------------------------------------------------
 
 void swap_command()
 {
@@ -191,6 +132,62 @@ void load_command(const char* file, const char* tag)
         show_game_board();
 }
 
+void level_command(const Words& w)
+{
+    int moves = clamp(std::atol(w.text[1]), 0, 1000);
+    double seconds = std::atof(w.text[2]);
+    double inc = std::atof(w.text[3]);
+    if (!(seconds > 0) || seconds > 1e7)
+        seconds = 60;
+    if (!(inc >= 0) || inc > 1e5)
+        inc = 0;
+    limits.level_moves = int16_t(moves);
+    limits.fixed_limit = moves ? 40 : 0;
+    limits.base_fixed_limit = limits.fixed_limit;
+    limits.white_time = limits.black_time = seconds;
+    limits.increment = inc;
+    char line[128];
+    send_line(format_line(line, sizeof line, "set level to %d moves in %0.2f seconds, inc %0.2f", moves, seconds, inc));
+}
+
+// The line the hash table holds from the game position.
+void hash_command()
+{
+    Position* pos = &game_thread->pos;
+    char pv[600] = "";
+    size_t used = 0;
+    int made = 0;
+    for (; made < 30; made++) {
+        TransEntry e;
+        e.depth = TT_MISS;
+        tt_probe(pos, &e);
+        if (e.depth < -9 || !e.move || !is_pseudo_legal(pos, e.move))
+            break;
+        char text[MOVE_TEXT_SIZE];
+        move_to_coord(e.move, text);
+        used += size_t(std::snprintf(pv + used, sizeof pv - used, "%s%s", made ? " " : "", text));
+        make_move(pos, e.move);
+        if (in_check(pos, pos->side ^ 1) || used > sizeof pv - 20) {
+            made++;
+            break;
+        }
+    }
+    for (int i = 0; i < made; i++)
+        unmake_move(pos);
+    char line[640];
+    send_line(format_line(line, sizeof line, "PV: %s\n", pv));
+}
+
+void book_command()
+{
+    Move m = book_probe(&game_thread->pos, search_settings.book_file);
+    if (!m)
+        m = book_probe(&game_thread->pos, search_settings.book2_file);
+    char text[MOVE_TEXT_SIZE], line[64];
+    move_to_coord(m, text);
+    send_line(m ? format_line(line, sizeof line, "book move %s", text) : "no book move");
+}
+
 void move_input(const char* word)
 {
     Move move;
@@ -201,6 +198,16 @@ void move_input(const char* word)
     }
     play_game_move(move);
     show_game_board();
+}
+
+void start_engine_move(bool continuous)
+{
+    limits.self_play = continuous;
+    limits.play_once = !continuous;
+    limits.infinite = false;
+    limits.max_depth = limits.base_max_depth;
+    limits.node_limit = limits.base_node_limit;
+    limits.search_state = SEARCH_REQUESTED;
 }
 
 }  // namespace
@@ -216,39 +223,101 @@ void handle_console_command(char* line)
     if (!*line)
         return;
     log_command(line);
-    if (editor.active) {
-        editor_line(line);
+    if (position_editor_active()) {
+        position_editor_line(line);
         return;
     }
     Words w;
     split_words(line, &w);
     const char* cmd = w.text[0];
+    const char* arg = w.text[1];
     if (!*cmd)
         return;
+    for (const DepthWord& d : DEPTH_WORDS)
+        if (!std::strcmp(cmd, d.word)) {
+            int v = clamp(std::atol(arg), 0, 100);
+            search_setting(d.setting, v);
+            echo_setting(cmd, v);
+            return;
+        }
     if (!std::strcmp(cmd, "quit")) {
         stop_and_wait(STOP_SILENT);
         quit_requested = true;
-    } else if (!std::strcmp(cmd, "perft")) {
-        perft_command(game_thread, std::atoi(w.text[1]));
+    } else if (!std::strcmp(cmd, "self")) {
+        start_engine_move(true);
+    } else if (!std::strcmp(cmd, "move")) {
+        start_engine_move(false);
     } else if (!std::strcmp(cmd, "swap")) {
         swap_command();
+    } else if (!std::strcmp(cmd, "multipv")) {
+        settings.multi_pv = int16_t(clamp(std::atol(arg), 1, 255));
+        settings_changed_after_option();
+    } else if (!std::strcmp(cmd, "Selectivity")) {
+        int v = clamp(std::atol(arg), 0, 200);
+        settings.selectivity = int16_t(v);
+        settings_changed_after_option();
+        echo_setting(cmd, v);
+    } else if (!std::strcmp(cmd, "ponder")) {
+        int v = std::atol(arg) ? 1 : 0;
+        settings.ponder = int16_t(v);
+        settings_changed_after_option();
+        echo_setting(cmd, v);
+    } else if (!std::strcmp(cmd, "level")) {
+        level_command(w);
+    } else if (!std::strcmp(cmd, "depth")) {
+        limits.base_max_depth = limits.max_depth = uint8_t(clamp(std::atol(arg), 1, MAX_SEARCH_DEPTH));
+    } else if (!std::strcmp(cmd, "target_nps")) {
+        double nps = std::atof(arg);
+        if (!(nps >= 10))
+            nps = 10;
+        if (nps > 1e9)
+            nps = 1e9;
+        settings.limit_strength = 1;
+        settings.elo = int16_t(elo_of_rate(nps));
+        settings_changed_after_option();
+        char text[64];
+        send_line(format_line(text, sizeof text, "target_nps set to %.0f", nps));
+    } else if (!std::strcmp(cmd, "ss")) {
+        // Full width: no reductions or null moves, no razoring or late-move pruning.
+        settings.search[LMR_DEPTH] = settings.search[NMP_DEPTH] = 99;
+        settings.search[FP_DEPTH] = settings.search[LMP_DEPTH] = 0;
+        settings_changed_after_option();
+        send_line("selectivity set to OFF");
+    } else if (!std::strcmp(cmd, "edit")) {
+        start_position_editor();
+    } else if (!std::strcmp(cmd, "trace")) {
+        trace_depth = int8_t(clamp(std::atol(arg), 0, 100));
     } else if (!std::strcmp(cmd, "undo")) {
         if (undo_game_move())
             show_game_board();
-    } else if (!std::strcmp(cmd, "edit")) {
-        edit_command();
-    } else if (!std::strcmp(cmd, "trace")) {
-        int d = std::atoi(w.text[1]);
-        trace_depth = int8_t(d < 0 ? 0 : d > 100 ? 100 : d);
+    } else if (!std::strcmp(cmd, "jump")) {
+        jump_to_ply(clamp(std::atol(arg), 0, 100000));
+        show_game_board();
     } else if (!std::strcmp(cmd, "load")) {
-        load_command(w.text[1], w.text[2]);
+        load_command(arg, w.text[2]);
+    } else if (!std::strcmp(cmd, "save")) {
+        if (!save_game("tmp.pgn"))
+            send_line("can't write tmp.pgn");
+    } else if (!std::strcmp(cmd, "book")) {
+        book_command();
+    } else if (!std::strcmp(cmd, "perft")) {
+        perft_command(game_thread, std::atoi(arg));
+    } else if (!std::strcmp(cmd, "hash")) {
+        hash_command();
+    } else if (!std::strcmp(cmd, "noise")) {
+        noise = std::atof(arg);
+        echo_setting(cmd, int(noise));
+    } else if (!std::strcmp(cmd, "debug")) {
+        for (auto& pair : settings.personality)
+            pair[0] = pair[1] = 100;
+        settings_changed_after_option();
+        send_line("set default personality");
     } else if (!std::strcmp(cmd, "eval")) {
-        int level = std::atoi(w.text[1]) >= 2 ? 2 : 1;
-        evaluate(game_thread, game_thread->pos.side, 0, 0, level);
+        evaluate(game_thread, game_thread->pos.side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1);
     } else if (!std::strcmp(cmd, "new")) {
         if (set_game_position(START_FEN))
             show_game_board();
-    } else if (!std::strcmp(cmd, "d") || !std::strcmp(cmd, "board")) {
+    } else if (!std::strcmp(cmd, "d")) {
         print_board(&game_thread->pos);
     } else {
         move_input(cmd);

@@ -156,16 +156,26 @@ void report_if_due()
     }
     limits.search_state = SEARCH_IDLE;
 
-    if (limits.self_play) {
+    if (limits.self_play || limits.play_once) {
         double& clock = game_thread->pos.side == WHITE ? limits.white_time : limits.black_time;
         clock = clock - limits.elapsed + limits.increment;
         if (!limits.best_move) {
-            limits.self_play = false;
+            limits.self_play = limits.play_once = false;
             return;
         }
+        char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[96];
+        move_texts(&game_thread->pos, limits.best_move, coord, san, sf, sr);
+        int number = game_length() / 2 + 1;
+        bool white = game_thread->pos.side == WHITE;
+        if (limits.self_play)
+            send_line(format_line(text, sizeof text, "%d%s move %s", number, white ? "." : "...", san));
+        else
+            send_line(format_line(text, sizeof text, "%d. move %s", number, san));
         play_game_move(limits.best_move);
         show_game_board();
-        limits.search_state = SEARCH_REQUESTED;
+        if (limits.self_play)
+            limits.search_state = SEARCH_REQUESTED;
+        limits.play_once = false;
     }
 }
 

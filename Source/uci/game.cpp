@@ -1,9 +1,11 @@
 #include "uci/game.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "board/fen.h"
 #include "board/makemove.h"
+#include "board/notation.h"
 #include "search/search_thread.h"
 #include "uci/output.h"
 #include "uci/protocol_mode.h"
@@ -16,6 +18,16 @@ namespace {
 // draw test never looks further back than the fifty-move counter (a byte).
 constexpr int KEPT_HISTORY = 256;
 constexpr int HISTORY_LIMIT = MAX_GAME_PLY - 2 * MAX_PLY;
+constexpr int RECORD_SIZE = 4096;
+
+struct GameRecord {
+    char start_fen[128];
+    Move moves[RECORD_SIZE];
+    int count;       // moves played
+    int available;   // moves that can be replayed (count .. available - 1 were taken back)
+};
+
+GameRecord record;
 
 void trim_history(SearchThread* t)
 {
@@ -24,6 +36,12 @@ void trim_history(SearchThread* t)
     int drop = t->game_ply - KEPT_HISTORY;
     std::memmove(t->undo, t->undo + drop, sizeof(UndoRecord) * KEPT_HISTORY);
     t->game_ply = int16_t(KEPT_HISTORY);
+}
+
+void make_recorded(Move move)
+{
+    make_move(&game_thread->pos, move);
+    trim_history(game_thread);
 }
 
 }  // namespace
@@ -40,26 +58,93 @@ int set_game_position(const char* fen)
     read_fen(&candidate, fen);
     if (const char* problem = position_problem(&candidate)) {
         char text[256];
-        send_info(format_line(text, sizeof text, "invalid position (%s): %s", problem, fen));
+        send_info(format_line(text, sizeof text, "invalid position (%s): %.150s", problem, fen));
         return 0;
     }
     game_thread->pos = candidate;
     game_thread->game_ply = 0;
     game_thread->search_ply = 1;
     game_thread->last_move = 0;
+    write_fen(&candidate, record.start_fen);
+    record.count = record.available = 0;
     return 1;
 }
 
 void play_game_move(Move move)
 {
-    make_move(&game_thread->pos, move);
-    trim_history(game_thread);
+    make_recorded(move);
+    if (record.count < RECORD_SIZE) {
+        // A new move forgets the moves taken back unless it repeats the next one.
+        if (record.count >= record.available || record.moves[record.count] != move)
+            record.available = record.count + 1;
+        record.moves[record.count++] = move;
+    }
 }
 
 int undo_game_move()
 {
-    if (game_thread->game_ply <= 0)
+    if (game_thread->game_ply <= 0 || record.count <= 0)
         return 0;
     unmake_move(&game_thread->pos);
+    record.count--;
+    return 1;
+}
+
+int jump_to_ply(int ply)
+{
+    while (record.count > ply && undo_game_move()) {
+    }
+    while (record.count < ply && record.count < record.available) {
+        make_recorded(record.moves[record.count]);
+        record.count++;
+    }
+    return record.count;
+}
+
+int game_length() { return record.count; }
+
+int save_game(const char* file)
+{
+    FILE* f = std::fopen(file, "w");
+    if (!f)
+        return 0;
+    std::fprintf(f, "[Event \"Unknown\"]\n");
+    if (std::strcmp(record.start_fen, START_FEN)) {
+        std::fprintf(f, "[SetUp \"1\"]\n[FEN \"%s 0 1\"]\n", record.start_fen);
+    }
+    std::fprintf(f, "\n");
+    // Replay from the set-up position on a scratch record to write SAN.
+    SearchThread* scratch = new_search_thread();
+    if (!scratch) {
+        std::fclose(f);
+        return 0;
+    }
+    set_position(&scratch->pos, record.start_fen);
+    int column = 0, number = 1;
+    for (int i = 0; i < record.count; i++) {
+        char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[48];
+        move_texts(&scratch->pos, record.moves[i], coord, san, sf, sr);
+        const char* written = san[0] == 'o' ? sf : san;  // castling in capital letters for other programs
+        bool white = scratch->pos.side == WHITE;
+        if (white)
+            column += std::snprintf(text, sizeof text, "%d. %s ", number, written);
+        else if (i == 0)
+            column += std::snprintf(text, sizeof text, "%d... %s ", number, written);
+        else
+            column += std::snprintf(text, sizeof text, "%s ", written);
+        if (!white)
+            number++;
+        std::fputs(text, f);
+        if (column > 70) {
+            std::fputs("\n", f);
+            column = 0;
+        }
+        make_move(&scratch->pos, record.moves[i]);
+        if (scratch->game_ply >= MAX_GAME_PLY - 1)
+            scratch->game_ply = 0;  // only the position matters here
+    }
+    std::fprintf(f, "*\n\n");
+    std::fclose(f);
+    free_search_thread(scratch);
     return 1;
 }

@@ -1,5 +1,6 @@
 // The game the front end keeps: its position and history in the game
-// thread's record, changed only between searches.
+// thread's record, changed only between searches, and the list of moves
+// played since the set-up position (for saving and jumping).
 #pragma once
 
 #include "board/types.h"
@@ -12,8 +13,19 @@ int set_game_position(const char* fen);
 // Plays a move on the game position, keeping the history within its bounds.
 void play_game_move(Move move);
 
-// Takes back the last game move; 0 when there is none.
+// Takes back the last game move; 0 when there is none. The move can be
+// replayed with jump_to_ply.
 int undo_game_move();
+
+// Moves back or forward (over taken-back moves) to `ply` of the game;
+// returns the ply reached.
+int jump_to_ply(int ply);
+
+// Number of moves played since the set-up position.
+int game_length();
+
+// Writes the game as PGN; returns 1 on success.
+int save_game(const char* file);
 
 // Prints a message as "info string ..." in UCI mode, plain on the console.
 void send_info(const char* text);

@@ -1,4 +1,6 @@
 // Korvel: start-up, the command line and shut-down.
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,8 +11,11 @@
 #include "search/search_params.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
+#include "search/timeman.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
+#include "tools/benchmark.h"
+#include "tools/offline_tools.h"
 #include "uci/calibration.h"
 #include "uci/engine_loop.h"
 #include "uci/options.h"
@@ -21,16 +26,164 @@
 
 namespace {
 
-void read_switches(int argc, char** argv)
+enum RunMode {
+    RUN_ENGINE = 1,
+    RUN_EPD = 2,
+    RUN_SCAN_PGN = 3,  // 3..6 for variants 1..4
+    RUN_MATCH = 7,
+    RUN_BENCH = 8,
+    RUN_BENCH2 = 9,
+    RUN_PBENCH = 10,
+    RUN_MKBOOK = 11,
+    RUN_MKCONFIG = 12,
+    RUN_MKTUNE = 13,
+};
+
+int run_mode = RUN_ENGINE;
+char tool_file[141];
+
+void copy_text(char* dest, size_t size, const char* value)
+{
+    std::strncpy(dest, value, size - 1);
+    dest[size - 1] = 0;
+}
+
+// Reads the switches; returns -1 to go on, or an exit status.
+int read_switches(int argc, char** argv)
 {
     for (int i = 1; i < argc; i++) {
         const char* a = argv[i];
-        if (!std::strcmp(a, "-uci"))
+        const char* value = i + 1 < argc ? argv[i + 1] : nullptr;
+        auto takes = [&](const char* name) {
+            if (std::strcmp(a, name) || !value)
+                return false;
+            i++;
+            return true;
+        };
+        if (!std::strcmp(a, "-uci")) {
             protocol_mode = 1;
-        else if (!std::strcmp(a, "-c"))
+        } else if (!std::strcmp(a, "-c")) {
             protocol_mode = 0;
-        else if (!std::strcmp(a, "-log"))
+        } else if (!std::strcmp(a, "-log")) {
             settings.log_enabled = 1;
+        } else if (!std::strcmp(a, "-numa")) {
+            numa_binding = true;
+        } else if (!std::strcmp(a, "-quiet")) {
+            settings.log_enabled = 0;
+            noise = 9999;
+        } else if (takes("-noise")) {
+            noise = std::atof(value);
+        } else if (takes("-cfg")) {
+            copy_text(settings.config_file_path, PATH_SIZE, value);
+        } else if (takes("-d")) {
+            long d = std::atol(value);
+            limits.base_fixed_limit = limits.fixed_limit = 1;
+            limits.base_max_depth = limits.max_depth = uint8_t(d < 1 ? 1 : d > MAX_SEARCH_DEPTH ? MAX_SEARCH_DEPTH : d);
+            limits.base_move_time = limits.move_time = 10000;
+        } else if (takes("-t")) {
+            double t = std::atof(value);
+            limits.base_fixed_limit = limits.fixed_limit = 1;
+            limits.base_move_time = limits.move_time = t > 0 && t < 1e7 ? t : 1.0;
+        } else if (takes("-n")) {
+            long long n = std::atoll(value);
+            limits.base_fixed_limit = limits.fixed_limit = 1;
+            limits.base_node_limit = limits.node_limit = uint64_t(n > 0 ? n : 1);
+            limits.base_move_time = limits.move_time = 1000;
+        } else if (takes("-nps")) {
+            double speed = std::atof(value);
+            if (!(speed >= 1))
+                speed = 1;
+            settings.limit_strength = 1;
+            int elo = int(std::log(speed) * 144 + 1014 - 3000 / (speed + 1));
+            settings.elo = int16_t(elo);
+            std::printf("Elo= %d\n", elo);
+            std::fflush(stdout);
+        } else if (takes("-hash")) {
+            long mb = std::atol(value);
+            settings.hash_mb = int16_t(mb < 0 ? 0 : mb > 16384 ? 16384 : mb);
+        } else if (takes("-threads")) {
+            long n = std::atol(value);
+            settings.threads = int16_t(n < 1 ? 1 : n > 128 ? 128 : n);
+        } else if (takes("-book")) {
+            copy_text(settings.book_file, PATH_SIZE, value);
+        } else if (takes("-tbpath")) {
+            copy_text(settings.syzygy_path, PATH_SIZE, value);
+        } else if (!std::strcmp(a, "-tbx")) {
+            copy_text(settings.syzygy_path, PATH_SIZE, "C:\\Chess\\Syzygy;C:\\Chess\\Syzygy\\6-Piece");
+        } else if (takes("-anepd")) {
+            run_mode = RUN_EPD;
+            copy_text(tool_file, sizeof tool_file, value);
+        } else if (!std::strncmp(a, "-scan_pgn", 9) && value) {
+            // -scan_pgn1 .. -scan_pgn4 choose a variant; the bare word only takes its file.
+            i++;
+            if (a[9] >= '1' && a[9] <= '4' && !a[10]) {
+                run_mode = RUN_SCAN_PGN + (a[9] - '1');
+                copy_text(tool_file, sizeof tool_file, value);
+            }
+        } else if (takes("-match")) {
+            run_mode = RUN_MATCH;
+            copy_text(tool_file, sizeof tool_file, value);
+        } else if (!std::strcmp(a, "-bench")) {
+            run_mode = RUN_BENCH;
+        } else if (!std::strcmp(a, "-bench2")) {
+            run_mode = RUN_BENCH2;
+        } else if (!std::strcmp(a, "-pbench")) {
+            run_mode = RUN_PBENCH;
+        } else if (!std::strcmp(a, "-mkconfig")) {
+            run_mode = RUN_MKCONFIG;
+        } else if (takes("-mkbook")) {
+            run_mode = RUN_MKBOOK;
+            copy_text(tool_file, sizeof tool_file, value);
+        } else if (takes("-mktune")) {
+            run_mode = RUN_MKTUNE;
+            copy_text(tool_file, sizeof tool_file, value);
+        } else if (!std::strcmp(a, "-tune")) {
+            if (argc >= 4)
+                std::printf("Need to compile with 'make ttune'\n");
+            return 1;
+        }
+    }
+    return -1;
+}
+
+void run_job()
+{
+    switch (run_mode) {
+    case RUN_EPD:
+        run_epd_analysis(tool_file);
+        break;
+    case RUN_SCAN_PGN:
+    case RUN_SCAN_PGN + 1:
+    case RUN_SCAN_PGN + 2:
+    case RUN_SCAN_PGN + 3:
+        scan_pgn(tool_file, run_mode - RUN_SCAN_PGN + 1);
+        break;
+    case RUN_BENCH:
+    case RUN_BENCH2:
+        run_benchmark(20, false);
+        break;
+    case RUN_PBENCH:
+        run_benchmark(10, true);
+        break;
+    case RUN_MKBOOK:
+        make_book(tool_file);
+        break;
+    case RUN_MKTUNE:
+        if (limits.max_depth > 10)
+            limits.max_depth = 0;
+        noise = 9999;
+        make_tune_file(tool_file);
+        break;
+    case RUN_MATCH:
+    case RUN_MKCONFIG:
+        break;  // accepted words without a job
+    default:
+        set_position(&game_thread->pos, START_FEN);
+        calibrate_speed();
+        init_eval_params(0);
+        tb_init(settings.syzygy_path);
+        run_engine_loop();
+        break;
     }
 }
 
@@ -40,10 +193,12 @@ int main(int argc, char** argv)
 {
     set_default_settings();
     protocol_mode = 1;
-    limits.base_max_depth = MAX_SEARCH_DEPTH;
-    limits.max_depth = MAX_SEARCH_DEPTH;
+    limits.base_max_depth = limits.max_depth = MAX_SEARCH_DEPTH;
+    limits.base_move_time = 60.0;
     reset_game_limits();
-    read_switches(argc, argv);
+    int status = read_switches(argc, argv);
+    if (status >= 0)
+        return status;
 
     game_thread = new_search_thread();
     if (!game_thread)
@@ -56,15 +211,18 @@ int main(int argc, char** argv)
     if (settings.log_enabled)
         open_log();
     search_settings = settings;
+    if (settings.config_file_path[0])
+        load_config_file();
     init_evaluation();
     init_eval_params(0);
     build_search_params();
     settings.changed = search_settings.changed = 0;
-
     set_position(&game_thread->pos, START_FEN);
-    calibrate_speed();
-    tb_init(settings.syzygy_path);
-    run_engine_loop();
+    // A strength limit from the command line needs the machine's speed.
+    limits.full_nps = 1e6;
+    limits.full_elo = elo_of_rate(limits.full_nps);
+
+    run_job();
 
     stop_threads();
     tt_free();

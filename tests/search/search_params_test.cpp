@@ -55,3 +55,16 @@ TEST(SearchOutput, ScoreTextsAndHelperDepths)
     EXPECT_EQ(helper_depth(10, 5, 8), 11);
     EXPECT_EQ(helper_depth(10, 4, 8), 10);
 }
+
+TEST(SearchParams, NullMoveBudgetAndAspirationBounds)
+{
+    // Below iteration 10 only a path without a null move may try one.
+    EXPECT_TRUE(null_move_allowed(0, 9));
+    EXPECT_FALSE(null_move_allowed(1, 9));
+    EXPECT_TRUE(null_move_allowed(1, 10));
+    EXPECT_FALSE(null_move_allowed(2, 19));
+    EXPECT_TRUE(null_move_allowed(2, 20));
+    EXPECT_EQ(open_lower(-5001), -10001);
+    EXPECT_EQ(open_lower(-5000), -5000);
+    EXPECT_EQ(open_upper(5001), 10001);
+}

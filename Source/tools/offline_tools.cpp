@@ -1,0 +1,29 @@
+#include "tools/offline_tools.h"
+
+#include "uci/output.h"
+
+namespace {
+
+void not_built(const char* tool, const char* file)
+{
+    char line[300];
+    send_line(format_line(line, sizeof line, "%s is not part of this version (file %.200s untouched)", tool, file));
+}
+
+}  // namespace
+
+void run_epd_analysis(const char* file) { not_built("EPD test-suite analysis", file); }
+
+void scan_pgn(const char* file, int variant)
+{
+    char tool[64];
+    not_built(format_line(tool, sizeof tool, "PGN scanning variant %d", variant), file);
+}
+
+double make_tune_file(const char* file)
+{
+    not_built("tuning-data generation", file);
+    return 0.0;
+}
+
+void make_book(const char* file) { not_built("book building", file); }

@@ -1,0 +1,16 @@
+// Entry points of the offline tools that the command line selects. The
+// benchmark has its own header; the others are not built into this version
+// and say so when asked for.
+#pragma once
+
+// -anepd: searches every position of an EPD test suite.
+void run_epd_analysis(const char* file);
+
+// -scan_pgn1 .. -scan_pgn4: PGN games with evaluation comments to EPD lines.
+void scan_pgn(const char* file, int variant);
+
+// -mktune: quiet training positions from labelled EPD lines.
+double make_tune_file(const char* file);
+
+// -mkbook: an opening book from PGN games.
+void make_book(const char* file);
