@@ -334,6 +334,10 @@ void iterate(SearchThread* t)
         if (stopped())
             break;
         if (main) {
+            // The root's result goes to the table too: the next search and
+            // the console's "hash" line start from it.
+            if (t->best_move)
+                tt_store(&t->pos, ROOT_PLY, d, t->best_move, t->root_score, -INFINITE_SCORE, INFINITE_SCORE);
             limits.completed_depth = int8_t(d);
             limits.completed_time = now_seconds() - limits.start_time;
             limits.root_score_by_depth[d] = int16_t(t->root_score);

@@ -1,0 +1,93 @@
+// The console dialect, typed by a person (switch -c).
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "support/engine_process.h"
+
+namespace {
+
+std::string read_file(const std::string& path)
+{
+    std::ifstream in(path);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+}  // namespace
+
+TEST(Console, SettingsWords)
+{
+    EngineProcess e({"-c"});
+    e.send_line("NMP_depth 4");
+    EXPECT_EQ(e.wait_for("NMP_depth"), "NMP_depth set to 4");
+    e.send_line("Selectivity 250");
+    EXPECT_EQ(e.wait_for("Selectivity"), "Selectivity set to 200");
+    e.send_line("ponder 0");
+    EXPECT_EQ(e.wait_for("ponder"), "ponder set to 0");
+    e.send_line("level 40 300 2");
+    EXPECT_EQ(e.wait_for("set level"), "set level to 40 moves in 300.00 seconds, inc 2.00");
+    e.send_line("target_nps 50000");
+    EXPECT_EQ(e.wait_for("target_nps"), "target_nps set to 50000");
+    e.send_line("ss");
+    EXPECT_EQ(e.wait_for("selectivity"), "selectivity set to OFF");
+    e.send_line("debug");
+    EXPECT_EQ(e.wait_for("set default"), "set default personality");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(Console, GameWordsAndEngineMoves)
+{
+    std::string dir = make_temp_dir();
+    EngineProcess e({"-c"}, dir);
+    for (const char* m : {"e4", "e5", "Nf3", "Nc6"})
+        e.send_line(m);
+    e.send_line("save");
+    e.send_line("jump 2");
+    EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6"), "");
+    e.send_line("jump 4");  // forward again over the moves taken back
+    EXPECT_NE(e.wait_for("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -"), "");
+    e.send_line("undo");
+    EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -"), "");
+
+    // The engine answers with a move of its own, then the statistics block.
+    e.send_line("depth 5");
+    e.send_line("move");
+    std::vector<std::string> seen;
+    std::string stats = e.wait_for("move= ", 20000, &seen);
+    EXPECT_NE(stats, "");
+    EXPECT_NE(e.wait_for("Hash fill= "), "");
+    EXPECT_NE(e.wait_for("2. move "), "");
+
+    // The table holds the line just searched.
+    e.send_line("undo");
+    e.send_line("hash");
+    std::string pv = e.wait_for("PV: ");
+    EXPECT_GT(pv.size(), 6u);
+
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+    std::string pgn = read_file(dir + "/tmp.pgn");
+    EXPECT_EQ(pgn.rfind("[Event \"Unknown\"]\n", 0), 0u);
+    EXPECT_NE(pgn.find("1. e4 e5 2. Nf3 Nc6"), std::string::npos) << pgn;
+}
+
+TEST(Console, SelfPlayFinishesTheGame)
+{
+    EngineProcess e({"-c"});
+    e.send_line("edit");
+    e.send_line("#");
+    e.send_line("w Kc6 Qb5");
+    e.send_line("b Ka8");
+    e.send_line(".");
+    e.send_line("depth 4");
+    e.send_line("self");
+    EXPECT_NE(e.wait_for("1. move "), "");
+    // Mate follows within a few moves; the last report has no move to play.
+    EXPECT_NE(e.wait_for("move= null", 30000), "");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}

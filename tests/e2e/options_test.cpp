@@ -1,0 +1,205 @@
+// Options, configuration files and command-line switches, from outside.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "support/engine_process.h"
+
+namespace {
+
+std::vector<std::string> uci_answer(EngineProcess& e)
+{
+    e.send_line("uci");
+    std::vector<std::string> seen;
+    e.wait_for("uciok", 10000, &seen);
+    std::vector<std::string> answer;
+    bool started = false;
+    for (const std::string& line : seen) {
+        started |= line.rfind("id name", 0) == 0;
+        if (started)
+            answer.push_back(line);
+    }
+    return answer;
+}
+
+std::string reply(EngineProcess& e, const std::string& command, const std::string& prefix = "info string")
+{
+    e.send_line(command);
+    e.send_line("isready");
+    std::vector<std::string> seen;
+    e.wait_for("readyok", 10000, &seen);
+    for (const std::string& line : seen)
+        if (line.rfind(prefix, 0) == 0)
+            return line;
+    return "";
+}
+
+}  // namespace
+
+TEST(Options, TheUciAnswerInOrder)
+{
+    EngineProcess e;
+    std::vector<std::string> a = uci_answer(e);
+    std::vector<std::string> expected = {
+        "id name Korvel 4.50",
+        "id author Tamsin Vell",
+        "option name ConfigFilePath type string default ",
+        "option name Hash type spin default 64 min 0 max 16384",
+        "option name Threads type spin default 1 min 1 max 128",
+        "option name Clear_Hash type button",
+        "option name OwnBook type check default false",
+        "option name OwnBook_File type string default ",
+        "option name OwnBook_Depth type spin default 24 min 0 max 60",
+        "option name OwnBook2_File type string default ",
+        "option name OwnBook2_Depth type spin default 0 min 0 max 60",
+        "option name OwnBook_Variety type spin default 25 min 0 max 100",
+        "option name SyzygyPath type string default ",
+        "option name SyzygyProbeDepth5 type spin default 0 min -5 max 100",
+        "option name SyzygyProbeDepth6 type spin default 1 min -5 max 100",
+        "option name Log type check default false",
+        "option name Ponder type check default true",
+        "option name MultiPV type spin default 1 min 1 max 255",
+        "option name MoveOverhead type spin default 50 min 0 max 5000",
+        "option name UCI_LimitStrength type check default false",
+        "",  // UCI_Elo: the machine's own estimate, checked below
+        "option name Contempt type spin default 0 min -150 max 150",
+        "option name Selectivity type spin default 100 min 0 max 200",
+    };
+    const char* weights[13] = {"Mtl_Pawn",        "Mtl_Knight",      "Mtl_Bishop",    "Mtl_Rook",       "Mtl_Queen",
+                               "Activity_Knight", "Activity_Bishop", "Activity_Rook", "Activity_Queen", "Pawn_Structure",
+                               "Passed_Pawns",    "King_Safety",     "Threats"};
+    for (const char* w : weights)
+        expected.push_back(std::string("option name ") + w + " type string default 100,100");
+    expected.push_back("uciok");
+    ASSERT_EQ(a.size(), expected.size());
+    for (size_t i = 0; i < a.size(); i++) {
+        if (expected[i].empty()) {
+            int elo = 0, max = 0;
+            ASSERT_EQ(std::sscanf(a[i].c_str(), "option name UCI_Elo type spin default %d min 1500 max %d", &elo, &max), 2)
+                << a[i];
+            EXPECT_EQ(elo, max);
+            EXPECT_GE(max, 1500);
+            continue;
+        }
+        EXPECT_EQ(a[i], expected[i]);
+    }
+}
+
+TEST(Options, SetoptionClampsAndEchoes)
+{
+    EngineProcess e;
+    uci_answer(e);
+    EXPECT_EQ(reply(e, "setoption name Hash value 99999", "info string Hash"), "info string Hash set to 16384");
+    EXPECT_EQ(reply(e, "setoption name Hash value 8", "info string Hash"), "info string Hash set to 8");
+    EXPECT_EQ(reply(e, "setoption name MultiPV value 0"), "info string MultiPV set to 1");
+    EXPECT_EQ(reply(e, "setoption name Contempt value -500"), "info string Contempt set to -150");
+    EXPECT_EQ(reply(e, "setoption name Mtl_Pawn value 10"), "info string Mtl_Pawn set to 20,100");
+    EXPECT_EQ(reply(e, "setoption name Mtl_Pawn value 150,300"), "info string Mtl_Pawn set to 150,200");
+    EXPECT_EQ(reply(e, "setoption name Ponder value TRUE"), "info string Ponder set to 0");
+    EXPECT_EQ(reply(e, "setoption name Ponder value true"), "info string Ponder set to 1");
+    EXPECT_EQ(reply(e, "setoption name Threads value 0"), "info string Threads set to 0");
+    EXPECT_EQ(reply(e, "setoption name UCI_Elo value 100"), "info string UCI_Elo set to 1500");
+    EXPECT_EQ(reply(e, "setoption name Clear_Hash value x"), "info string Hash table cleared");
+    EXPECT_EQ(reply(e, "setoption name OwnBook_File value my book.bin"), "info string OwnBook_File set to 'my book.bin'");
+    EXPECT_EQ(reply(e, "setoption name Hash"), "");           // without "value" nothing is set
+    EXPECT_EQ(reply(e, "setoption name Clear_Hash"), "");
+    EXPECT_EQ(reply(e, "setoption name hash value 3"), "");   // names are exact
+    EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
+    // The engine still plays after all that.
+    e.send_line("position startpos");
+    e.send_line("go depth 4");
+    EXPECT_NE(e.wait_for("bestmove"), "");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(Options, ConfigurationFiles)
+{
+    std::string dir = make_temp_dir();
+    {
+        std::ofstream cfg(dir + "/korvel.cfg");
+        cfg << "# a comment\n";
+        cfg << "Hash = 8\n";
+        cfg << "Contempt=12   # trailing comment\n";
+        cfg << "   MultiPV = 3\n";  // leading blanks: no such option
+        cfg << "Mtl_Pawn = 110,90\n";
+        cfg << "x\n";
+    }
+    EngineProcess e({"-cfg", dir + "/korvel.cfg"});
+    std::vector<std::string> seen;
+    ASSERT_NE(e.wait_for("info string Mtl_Pawn", 10000, &seen), "");
+    std::string all;
+    for (const std::string& l : seen)
+        all += l + "\n";
+    EXPECT_NE(all.find("info string loading parameters from " + dir + "/korvel.cfg\n"), std::string::npos) << all;
+    EXPECT_NE(all.find("info string Hash set to 8\n"), std::string::npos);
+    EXPECT_NE(all.find("info string Contempt set to 12\n"), std::string::npos);
+    EXPECT_EQ(all.find("MultiPV"), std::string::npos);
+    std::vector<std::string> a = uci_answer(e);
+    bool seen_hash = false;
+    for (const std::string& l : a)
+        seen_hash |= l == "option name Hash type spin default 8 min 0 max 16384";
+    EXPECT_TRUE(seen_hash);
+
+    {
+        std::ofstream cfg(dir + "/second.cfg");
+        cfg << "Selectivity = 150\n";
+        cfg << "ConfigFilePath = " + dir + "/second.cfg\n";  // names itself: loaded again, then no further
+    }
+    e.send_line("setoption name ConfigFilePath value " + dir + "/second.cfg");
+    EXPECT_NE(e.wait_for("info string ConfigFilePath set to '" + dir + "/second.cfg'"), "");
+    EXPECT_NE(e.wait_for("info string Selectivity set to 150"), "");
+    e.send_line("isready");
+    EXPECT_EQ(e.wait_for("readyok"), "readyok");
+    e.send_line("quit");
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
+TEST(Switches, CommandLine)
+{
+    {
+        EngineProcess e({"-nps", "2000000", "-mkconfig"});
+        EXPECT_EQ(e.wait_for("Elo="), "Elo= 3103");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+    {
+        EngineProcess e({"-nps", "1000000", "-match", "x"});
+        EXPECT_EQ(e.wait_for("Elo="), "Elo= 3003");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+    {
+        EngineProcess e({"-tune"});
+        EXPECT_EQ(e.wait_exit(), 1);
+    }
+    {
+        // The bare -scan_pgn only takes its file: the engine starts as usual.
+        EngineProcess e({"-scan_pgn", "games.pgn", "-threads", "0"});
+        std::vector<std::string> a = uci_answer(e);
+        EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 1 min 1 max 128"), a.end());
+        e.send_line("quit");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+    {
+        EngineProcess e({"-threads", "500", "-hash", "99999"});
+        EXPECT_EQ(e.wait_for("info string allocated"), "info string allocated 16384 Mbytes for hash table");
+        std::vector<std::string> a = uci_answer(e);
+        EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 128 min 1 max 128"), a.end());
+        e.send_line("quit");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+    {
+        // A depth from the command line bounds every search.
+        EngineProcess e({"-d", "3"});
+        e.send_line("position startpos");
+        e.send_line("go wtime 100000 btime 100000");
+        std::vector<std::string> seen;
+        ASSERT_NE(e.wait_for("bestmove", 10000, &seen), "");
+        int deepest = 0;
+        for (const std::string& l : seen)
+            if (l.rfind("info depth ", 0) == 0)
+                deepest = std::max(deepest, std::atoi(l.c_str() + 11));
+        EXPECT_EQ(deepest, 3);
+        e.send_line("quit");
+        EXPECT_EQ(e.wait_exit(), 0);
+    }
+}
