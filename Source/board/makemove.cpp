@@ -5,35 +5,6 @@
 #include "search/search_thread.h"
 #include "uci/output.h"
 
-void place_piece(Position* pos, int code, int sq)
-{
-    int side = piece_side(code), type = piece_type(code);
-    pos->board[sq] = uint8_t(code);
-    pos->pieces[side][0] |= bit(sq);
-    pos->pieces[side][type] |= bit(sq);
-    pos->phase_material[side] += PHASE_WEIGHT[type];
-    pos->material_signature[side] += SIGNATURE_STEP[type];
-    pos->key ^= piece_key(code, sq);
-    if (type == PAWN)
-        pos->pawn_key ^= piece_key(code, sq);
-    if (type == KING)
-        pos->king_square[side] = uint8_t(sq);
-}
-
-void remove_piece(Position* pos, int sq)
-{
-    int code = pos->board[sq];
-    int side = piece_side(code), type = piece_type(code);
-    pos->board[sq] = 0;
-    pos->pieces[side][0] &= ~bit(sq);
-    pos->pieces[side][type] &= ~bit(sq);
-    pos->phase_material[side] -= PHASE_WEIGHT[type];
-    pos->material_signature[side] -= SIGNATURE_STEP[type];
-    pos->key ^= piece_key(code, sq);
-    if (type == PAWN)
-        pos->pawn_key ^= piece_key(code, sq);
-}
-
 namespace {
 
 // Moves a man on board and bitboards, keys included (make).
@@ -60,7 +31,7 @@ inline void shift_back(Position* pos, int from, int to)
     pos->pieces[side][type] ^= both;
 }
 
-// Places or lifts a man without key work.
+// Places or lifts a man without key work (unmake restores the keys wholesale).
 inline void put_back(Position* pos, int code, int sq)
 {
     int side = piece_side(code), type = piece_type(code);
@@ -85,6 +56,23 @@ inline void lift(Position* pos, int sq)
 }
 
 }  // namespace
+
+void place_piece(Position* pos, int code, int sq)
+{
+    put_back(pos, code, sq);
+    pos->key ^= piece_key(code, sq);
+    if (piece_type(code) == PAWN)
+        pos->pawn_key ^= piece_key(code, sq);
+}
+
+void remove_piece(Position* pos, int sq)
+{
+    int code = pos->board[sq];
+    lift(pos, sq);
+    pos->key ^= piece_key(code, sq);
+    if (piece_type(code) == PAWN)
+        pos->pawn_key ^= piece_key(code, sq);
+}
 
 uint64_t key_after(const Position* pos, Move move)
 {

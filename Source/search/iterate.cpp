@@ -184,7 +184,7 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
     pi.beta = int16_t(beta);
     pi.depth = int16_t(depth);
     pi.reduction = 0;
-    pi.list_end = t->move_buffer - 1;
+    pi.list_end = t->move_buffer;  // the root keeps its own list; children start behind this slot
     CheckInfo ci = check_info(pos);
     bool has_material = pos->phase_material[side] > 0 && pos->pieces[side][PAWN];
     for (int i = line; i < t->root_count; i++)

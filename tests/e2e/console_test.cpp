@@ -6,18 +6,6 @@
 
 #include "support/engine_process.h"
 
-namespace {
-
-std::string read_file(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-}  // namespace
-
 TEST(Console, SettingsWords)
 {
     EngineProcess e({"-c"});
@@ -70,7 +58,7 @@ TEST(Console, GameWordsAndEngineMoves)
 
     e.send_line("quit");
     EXPECT_EQ(e.wait_exit(), 0);
-    std::string pgn = read_file(dir + "/tmp.pgn");
+    std::string pgn = read_text_file(dir + "/tmp.pgn");
     EXPECT_EQ(pgn.rfind("[Event \"Unknown\"]\n", 0), 0u);
     EXPECT_NE(pgn.find("1. e4 e5 2. Nf3 Nc6"), std::string::npos) << pgn;
 }

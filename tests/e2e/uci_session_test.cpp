@@ -79,10 +79,8 @@ TEST(UciSession, LogHoldsOutputAndCommands)
         e.send_line("quit");
         EXPECT_EQ(e.wait_exit(), 0);
     }
-    std::ifstream log(dir + "/korvel.log");
-    std::stringstream text;
-    text << log.rdbuf();
-    EXPECT_NE(text.str().find("CMD: isready\nreadyok\nCMD: quit\n"), std::string::npos) << text.str();
+    std::string text = read_text_file(dir + "/korvel.log");
+    EXPECT_NE(text.find("CMD: isready\nreadyok\nCMD: quit\n"), std::string::npos) << text;
 
     // A log that cannot be deleted belongs to someone else.
     std::string busy = make_temp_dir();

@@ -9,6 +9,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 
 EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir)
 {
@@ -131,4 +133,12 @@ std::string make_temp_dir()
     char pattern[] = "/tmp/korvel_test_XXXXXX";
     char* dir = mkdtemp(pattern);
     return dir ? dir : "/tmp";
+}
+
+std::string read_text_file(const std::string& path)
+{
+    std::ifstream in(path);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
 }

@@ -32,3 +32,4 @@ private:
 
 std::string data_path(const std::string& relative);
 std::string make_temp_dir();
+std::string read_text_file(const std::string& path);

@@ -10,18 +10,6 @@
 #include "support/test_positions.h"
 #include "uci/output.h"
 
-namespace {
-
-std::string read_file(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-}  // namespace
-
 // One process-wide log: switching it on twice keeps the file, off then on
 // resumes it. Runs in a scratch directory, since the log name is fixed.
 TEST(Output, LogAndTraceFiles)
@@ -59,7 +47,7 @@ TEST(Output, LogAndTraceFiles)
     close_output_files();
     free_test_thread(t);
 
-    EXPECT_EQ(read_file("korvel.log"), "first\nsecond\nCMD: go depth 3\nthird\n");
-    EXPECT_EQ(read_file("trace.txt"), "\n\nSEARCH DEPTH= 1\n( 3)e2e4 ( 2)e7e5 \n         ( 2)null ");
+    EXPECT_EQ(read_text_file("korvel.log"), "first\nsecond\nCMD: go depth 3\nthird\n");
+    EXPECT_EQ(read_text_file("trace.txt"), "\n\nSEARCH DEPTH= 1\n( 3)e2e4 ( 2)e7e5 \n         ( 2)null ");
     ASSERT_EQ(chdir(old), 0);
 }
