@@ -1,10 +1,4 @@
 // Evaluations per second over the opening positions, with cold and warm caches.
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <vector>
-
 #include "board/fen.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
@@ -12,6 +6,12 @@
 #include "search/search_thread.h"
 #include "search/tt.h"
 #include "uci/settings.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
 
 int main(int argc, char** argv)
 {

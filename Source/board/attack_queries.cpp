@@ -23,7 +23,8 @@ int is_square_attacked(const Position* pos, int sq, int s)
     return 0;
 }
 
-namespace {
+namespace
+{
 
 // First man of the candidate set whose line to `sq` is clear in `occ`.
 int first_clear(Bitboard candidates, int sq, Bitboard occ)
@@ -58,11 +59,17 @@ int attacker_in(const Position* pos, int sq, int side, Bitboard men, Bitboard oc
     return b ? lsb(b) : NO_SQUARE;
 }
 
-}  // namespace
+} // namespace
 
-int find_attacker(const Position* pos, int sq, int side, Bitboard occ) { return attacker_in(pos, sq, side, ~0ULL, occ); }
+int find_attacker(const Position* pos, int sq, int side, Bitboard occ)
+{
+    return attacker_in(pos, sq, side, ~0ULL, occ);
+}
 
-int least_attacker(const Position* pos, int sq, int side, Bitboard mask) { return attacker_in(pos, sq, side, mask, mask); }
+int least_attacker(const Position* pos, int sq, int side, Bitboard mask)
+{
+    return attacker_in(pos, sq, side, mask, mask);
+}
 
 Bitboard attackers_to(const Position* pos, int sq, Bitboard occ)
 {

@@ -17,4 +17,7 @@ int least_attacker(const Position* pos, int sq, int side, Bitboard mask);
 // Every man of either side that attacks `sq` with occupancy `occ`.
 Bitboard attackers_to(const Position* pos, int sq, Bitboard occ);
 
-inline int in_check(const Position* pos, int side) { return is_square_attacked(pos, pos->king_square[side], side ^ 1); }
+inline int in_check(const Position* pos, int side)
+{
+    return is_square_attacked(pos, pos->king_square[side], side ^ 1);
+}

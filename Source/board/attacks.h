@@ -8,18 +8,22 @@
 // costs no branch.
 #pragma once
 
-#include <array>
-
 #include "board/bitboard.h"
+
+#include <array>
 
 enum Direction { NORTH, EAST, NORTH_EAST, NORTH_WEST, SOUTH, WEST, SOUTH_WEST, SOUTH_EAST };
 
-namespace attack_tables {
+namespace attack_tables
+{
 
 constexpr int DIR_FILE[8] = {0, 1, 1, -1, 0, -1, -1, 1};
 constexpr int DIR_RANK[8] = {1, 0, 1, 1, -1, 0, -1, -1};
 
-constexpr bool on_board(int f, int r) { return f >= 0 && f < 8 && r >= 0 && r < 8; }
+constexpr bool on_board(int f, int r)
+{
+    return f >= 0 && f < 8 && r >= 0 && r < 8;
+}
 
 constexpr Bitboard steps(int sq, const int (&df)[8], const int (&dr)[8])
 {
@@ -87,8 +91,9 @@ constexpr std::array<Bitboard, 64> make_line_union(int first_dir)
     // Orthogonal directions are N, E, S, W; diagonal ones NE, NW, SW, SE.
     std::array<Bitboard, 64> t{};
     for (int sq = 0; sq < 64; sq++)
-        t[sq] = first_dir == 0 ? RAYS[NORTH][sq] | RAYS[EAST][sq] | RAYS[SOUTH][sq] | RAYS[WEST][sq]
-                               : RAYS[NORTH_EAST][sq] | RAYS[NORTH_WEST][sq] | RAYS[SOUTH_WEST][sq] | RAYS[SOUTH_EAST][sq];
+        t[sq] = first_dir == 0
+                    ? RAYS[NORTH][sq] | RAYS[EAST][sq] | RAYS[SOUTH][sq] | RAYS[WEST][sq]
+                    : RAYS[NORTH_EAST][sq] | RAYS[NORTH_WEST][sq] | RAYS[SOUTH_WEST][sq] | RAYS[SOUTH_EAST][sq];
     return t;
 }
 
@@ -110,15 +115,15 @@ constexpr std::array<std::array<Bitboard, 64>, 64> make_between()
     return t;
 }
 
-}  // namespace attack_tables
+} // namespace attack_tables
 
 inline constexpr auto KNIGHT_ATTACKS = attack_tables::make_knight();
 inline constexpr auto KING_ATTACKS = attack_tables::make_king();
-inline constexpr auto PAWN_ATTACKS = attack_tables::make_pawn();  // [side][square]
-inline constexpr auto RAY = attack_tables::RAYS;                  // [direction][square]
+inline constexpr auto PAWN_ATTACKS = attack_tables::make_pawn(); // [side][square]
+inline constexpr auto RAY = attack_tables::RAYS;                 // [direction][square]
 inline constexpr auto ROOK_RAYS = attack_tables::make_line_union(0);
 inline constexpr auto BISHOP_RAYS = attack_tables::make_line_union(1);
-inline constexpr auto BETWEEN = attack_tables::make_between();    // [a][b], strictly between
+inline constexpr auto BETWEEN = attack_tables::make_between(); // [a][b], strictly between
 
 inline Bitboard rook_attacks(int sq, Bitboard occ)
 {
@@ -140,7 +145,13 @@ inline Bitboard bishop_attacks(int sq, Bitboard occ)
     return att;
 }
 
-inline Bitboard queen_attacks(int sq, Bitboard occ) { return rook_attacks(sq, occ) | bishop_attacks(sq, occ); }
+inline Bitboard queen_attacks(int sq, Bitboard occ)
+{
+    return rook_attacks(sq, occ) | bishop_attacks(sq, occ);
+}
 
 // Squares from which a pawn of `side` attacks `sq`.
-inline Bitboard pawn_attackers_mask(int side, int sq) { return PAWN_ATTACKS[side ^ 1][sq]; }
+inline Bitboard pawn_attackers_mask(int side, int sq)
+{
+    return PAWN_ATTACKS[side ^ 1][sq];
+}

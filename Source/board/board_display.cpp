@@ -1,8 +1,8 @@
 #include "board/board_display.h"
 
-#include <cstdio>
-
 #include "board/fen.h"
+
+#include <cstdio>
 
 void print_board(const Position* pos)
 {

@@ -4,7 +4,8 @@
 #include "board/movegen.h"
 #include "search/search_thread.h"
 
-namespace {
+namespace
+{
 
 bool has_legal_move(const Position* pos)
 {
@@ -16,7 +17,7 @@ bool has_legal_move(const Position* pos)
     return false;
 }
 
-}  // namespace
+} // namespace
 
 int is_draw(const Position* pos, int ply_from_root)
 {

@@ -2,7 +2,8 @@
 
 #include <cstring>
 
-namespace {
+namespace
+{
 
 void copy_bounded(char* dest, const char* src, size_t len)
 {
@@ -12,7 +13,7 @@ void copy_bounded(char* dest, const char* src, size_t len)
     dest[len] = 0;
 }
 
-}  // namespace
+} // namespace
 
 void split_epd(const char* line, EpdFields* out)
 {
@@ -43,7 +44,7 @@ void split_epd(const char* line, EpdFields* out)
         }
         operand[n] = 0;
         if (*p != ';')
-            break;  // an operation without its ";" is not taken
+            break; // an operation without its ";" is not taken
         p++;
         char* dest = nullptr;
         if (op_len == 2 && !std::strncmp(op, "bm", 2))

@@ -1,7 +1,5 @@
 #include "board/fen.h"
 
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/makemove.h"
 #include "board/notation.h"
@@ -9,7 +7,10 @@
 #include "search/search_thread.h"
 #include "uci/output.h"
 
-namespace {
+#include <cstring>
+
+namespace
+{
 
 int piece_from_letter(char c)
 {
@@ -49,7 +50,7 @@ bool repair_castling(Position* pos)
     return removed;
 }
 
-}  // namespace
+} // namespace
 
 int read_fen(Position* pos, const char* text)
 {

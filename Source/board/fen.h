@@ -1,9 +1,9 @@
 // Reading and writing positions as FEN text (the four board fields).
 #pragma once
 
-#include <cstddef>
-
 #include "board/position.h"
+
+#include <cstddef>
 
 constexpr const char* START_FEN = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
 

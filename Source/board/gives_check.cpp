@@ -28,7 +28,8 @@ CheckInfo check_info(const Position* pos)
     return ci;
 }
 
-namespace {
+namespace
+{
 
 bool slider_sees_king(const Position* pos, int side, int ek, Bitboard occ)
 {
@@ -36,7 +37,7 @@ bool slider_sees_king(const Position* pos, int side, int ek, Bitboard occ)
     return (bishop_attacks(ek, occ) & (p[BISHOP] | p[QUEEN])) || (rook_attacks(ek, occ) & (p[ROOK] | p[QUEEN]));
 }
 
-}  // namespace
+} // namespace
 
 bool gives_check(const Position* pos, Move move, const CheckInfo& ci)
 {

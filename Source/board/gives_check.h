@@ -4,8 +4,8 @@
 #include "board/position.h"
 
 struct CheckInfo {
-    Bitboard check_squares[8];  // by piece type: squares from which it would check
-    Bitboard discoverers;       // own men whose leaving uncovers a slider on the enemy king
+    Bitboard check_squares[8]; // by piece type: squares from which it would check
+    Bitboard discoverers;      // own men whose leaving uncovers a slider on the enemy king
     Bitboard occ;
     int enemy_king;
 };

@@ -3,7 +3,8 @@
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 
-namespace {
+namespace
+{
 
 // Is `sq` attacked by `them`, leaving out the men on `removed`, with occupancy `occ`?
 int attacked_after(const Position* pos, int sq, int them, Bitboard removed, Bitboard occ)
@@ -24,7 +25,7 @@ int attacked_after(const Position* pos, int sq, int them, Bitboard removed, Bitb
     return (p[KING] & ~removed & KING_ATTACKS[sq]) ? 1 : 0;
 }
 
-}  // namespace
+} // namespace
 
 int is_legal(const Position* pos, int side, Move move)
 {
@@ -61,7 +62,8 @@ PinInfo pin_info(const Position* pos, int side)
     }
     info.king_square = uint8_t(ksq);
     Bitboard checkers = (p[PAWN] & PAWN_ATTACKS[side][ksq]) | (p[KNIGHT] & KNIGHT_ATTACKS[ksq])
-                        | ((p[BISHOP] | p[QUEEN]) & bishop_attacks(ksq, occ)) | ((p[ROOK] | p[QUEEN]) & rook_attacks(ksq, occ));
+                        | ((p[BISHOP] | p[QUEEN]) & bishop_attacks(ksq, occ))
+                        | ((p[ROOK] | p[QUEEN]) & rook_attacks(ksq, occ));
     info.in_check = checkers != 0;
     info.checker = uint8_t(checkers ? lsb(checkers) : NO_SQUARE);
     return info;

@@ -13,7 +13,7 @@ struct PinInfo {
     Bitboard pinned;
     uint8_t king_square;
     uint8_t in_check;
-    uint8_t checker;  // a checking man's square, 64 when not in check
+    uint8_t checker; // a checking man's square, 64 when not in check
 };
 
 PinInfo pin_info(const Position* pos, int side);

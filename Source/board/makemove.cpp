@@ -5,7 +5,8 @@
 #include "search/search_thread.h"
 #include "uci/output.h"
 
-namespace {
+namespace
+{
 
 // Moves a man on board and bitboards, keys included (make).
 inline void shift_piece(Position* pos, int code, int from, int to)
@@ -55,7 +56,7 @@ inline void lift(Position* pos, int sq)
     pos->material_signature[side] -= SIGNATURE_STEP[type];
 }
 
-}  // namespace
+} // namespace
 
 void place_piece(Position* pos, int code, int sq)
 {

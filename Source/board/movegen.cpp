@@ -3,7 +3,8 @@
 #include "board/attacks.h"
 #include "board/legality.h"
 
-namespace {
+namespace
+{
 
 inline MoveEntry* add(MoveEntry* list, const Position* pos, int from, int to, Move flags = 0)
 {
@@ -53,7 +54,7 @@ inline MoveEntry* add_promotion(MoveEntry* list, const Position* pos, int from, 
     return list;
 }
 
-}  // namespace
+} // namespace
 
 MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int checker)
 {

@@ -7,9 +7,9 @@
 // ordering never has to look at the board.
 struct MoveEntry {
     Move move;
-    int16_t score;     // ordering score, written by the move picker
-    uint8_t piece;     // code of the moving man (before promotion)
-    uint8_t captured;  // code on the to-square, 0 if empty (also en passant)
+    int16_t score;    // ordering score, written by the move picker
+    uint8_t piece;    // code of the moving man (before promotion)
+    uint8_t captured; // code on the to-square, 0 if empty (also en passant)
 };
 static_assert(sizeof(MoveEntry) == 6, "move list entry layout");
 

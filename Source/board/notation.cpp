@@ -1,8 +1,5 @@
 #include "board/notation.h"
 
-#include <cctype>
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/legality.h"
@@ -10,7 +7,11 @@
 #include "uci/output.h"
 #include "uci/protocol_mode.h"
 
-namespace {
+#include <cctype>
+#include <cstring>
+
+namespace
+{
 
 const char* PIECE_LETTERS = " PNBRQK";
 
@@ -46,7 +47,10 @@ bool gives_check_mark(const Position* pos, Move move)
     return least_attacker(&after, pos->king_square[side ^ 1], side, mask) != NO_SQUARE;
 }
 
-void append(char* text, const char* suffix) { std::strcat(text, suffix); }
+void append(char* text, const char* suffix)
+{
+    std::strcat(text, suffix);
+}
 
 void cut_at_plus(char* text)
 {
@@ -55,7 +59,7 @@ void cut_at_plus(char* text)
         *plus = 0;
 }
 
-}  // namespace
+} // namespace
 
 int16_t protocol_mode = 1;
 

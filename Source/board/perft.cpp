@@ -47,7 +47,7 @@ uint64_t perft_command(SearchThread* t, int depth)
         perft(t, t->pos.side, 1, depth);
     double seconds = now_seconds() - start;
     char line[256];
-    send_line(format_line(line, sizeof line, "visited %0.0f nodes in %0.3f seconds, nps= %0.0f", double(t->nodes), seconds,
-                          double(t->nodes) / (seconds + 0.001)));
+    send_line(format_line(line, sizeof line, "visited %0.0f nodes in %0.3f seconds, nps= %0.0f", double(t->nodes),
+                          seconds, double(t->nodes) / (seconds + 0.001)));
     return t->nodes;
 }

@@ -7,17 +7,17 @@
 struct SearchThread;
 
 struct Position {
-    SearchThread* thread;         // owner: undo history and ply counters live there
-    uint8_t board[64];            // piece code per square
-    Bitboard pieces[2][8];        // [side][0] all men of the side, [side][type] per type
-    uint64_t key;                 // Zobrist key; bit 0 is the side to move
-    uint64_t pawn_key;            // pawns only
-    uint32_t material_signature[2];  // 4-bit counts: P, N<<4, B<<8, R<<12, Q<<16
-    uint16_t phase_material[2];   // N,B 3, R 5, Q 10
+    SearchThread* thread;           // owner: undo history and ply counters live there
+    uint8_t board[64];              // piece code per square
+    Bitboard pieces[2][8];          // [side][0] all men of the side, [side][type] per type
+    uint64_t key;                   // Zobrist key; bit 0 is the side to move
+    uint64_t pawn_key;              // pawns only
+    uint32_t material_signature[2]; // 4-bit counts: P, N<<4, B<<8, R<<12, Q<<16
+    uint16_t phase_material[2];     // N,B 3, R 5, Q 10
     uint8_t side;
     uint8_t fifty;
     uint8_t castling;
-    uint8_t ep_square;            // 64 when none
+    uint8_t ep_square; // 64 when none
     uint8_t king_square[2];
 };
 
@@ -26,7 +26,7 @@ struct UndoRecord {
     uint64_t key;
     uint64_t pawn_key;
     uint16_t move;
-    uint8_t captured;  // type only; 0 for en passant
+    uint8_t captured; // type only; 0 for en passant
     uint8_t ep_square;
     uint8_t fifty;
     uint8_t castling;
@@ -34,9 +34,18 @@ struct UndoRecord {
 };
 static_assert(sizeof(UndoRecord) == 24, "undo record layout");
 
-inline Bitboard occupancy(const Position* pos) { return pos->pieces[0][0] | pos->pieces[1][0]; }
-inline Bitboard pieces_of(const Position* pos, int side, int type) { return pos->pieces[side][type]; }
-inline Bitboard all_pawns(const Position* pos) { return pos->pieces[0][PAWN] | pos->pieces[1][PAWN]; }
+inline Bitboard occupancy(const Position* pos)
+{
+    return pos->pieces[0][0] | pos->pieces[1][0];
+}
+inline Bitboard pieces_of(const Position* pos, int side, int type)
+{
+    return pos->pieces[side][type];
+}
+inline Bitboard all_pawns(const Position* pos)
+{
+    return pos->pieces[0][PAWN] | pos->pieces[1][PAWN];
+}
 
 // Castling-rights mask by square: a move from or to the square clears these bits.
 constexpr uint8_t castle_mask_of(int sq)

@@ -1,9 +1,9 @@
 #include "board/position_check.h"
 
+#include "board/zobrist.h"
+
 #include <cstdio>
 #include <cstdlib>
-
-#include "board/zobrist.h"
 
 const char* position_fault(const Position* pos)
 {

@@ -1,16 +1,17 @@
 #include "board/see.h"
 
-#include <algorithm>
-
 #include "board/attack_queries.h"
 
-namespace {
+#include <algorithm>
+
+namespace
+{
 
 // A king is never exchanged by value: taking it ends the sequence, and it may
 // not step onto a defended square.
 constexpr int KING_CAPTURE = 9999;
 
-}  // namespace
+} // namespace
 
 int swap_gain(const Position* pos, int s, int to, int target_type, Bitboard occ)
 {

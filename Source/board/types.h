@@ -21,13 +21,31 @@ constexpr int ROOK = 4;
 constexpr int QUEEN = 5;
 constexpr int KING = 6;
 
-constexpr int piece_code(int type, int side) { return type | side << 3; }
-constexpr int piece_type(int code) { return code & 7; }
-constexpr int piece_side(int code) { return code >> 3 & 1; }
+constexpr int piece_code(int type, int side)
+{
+    return type | side << 3;
+}
+constexpr int piece_type(int code)
+{
+    return code & 7;
+}
+constexpr int piece_side(int code)
+{
+    return code >> 3 & 1;
+}
 
-constexpr int file_of(int sq) { return sq & 7; }
-constexpr int rank_of(int sq) { return sq >> 3; }
-constexpr int make_square(int file, int rank) { return rank * 8 + file; }
+constexpr int file_of(int sq)
+{
+    return sq & 7;
+}
+constexpr int rank_of(int sq)
+{
+    return sq >> 3;
+}
+constexpr int make_square(int file, int rank)
+{
+    return rank * 8 + file;
+}
 
 // Move code: to-square in bits 0-5, from-square in bits 8-13. The four
 // promotion flags sit outside both square fields so that the squares can be
@@ -40,15 +58,31 @@ constexpr Move PROMO_MASK = 0xC0C0;
 constexpr Move MOVE_NONE = 0;
 constexpr Move MOVE_END = 65535;
 
-constexpr int move_to(Move m) { return m & 63; }
-constexpr int move_from(Move m) { return m >> 8 & 63; }
-constexpr Move make_move_code(int from, int to) { return Move(from << 8 | to); }
-constexpr bool is_promotion(Move m) { return (m & PROMO_MASK) != 0; }
+constexpr int move_to(Move m)
+{
+    return m & 63;
+}
+constexpr int move_from(Move m)
+{
+    return m >> 8 & 63;
+}
+constexpr Move make_move_code(int from, int to)
+{
+    return Move(from << 8 | to);
+}
+constexpr bool is_promotion(Move m)
+{
+    return (m & PROMO_MASK) != 0;
+}
 
 // Piece type that a promotion move creates (0 for other moves).
 constexpr int promotion_type(Move m)
 {
-    return (m & PROMO_QUEEN) ? QUEEN : (m & PROMO_KNIGHT) ? KNIGHT : (m & PROMO_BISHOP) ? BISHOP : (m & PROMO_ROOK) ? ROOK : 0;
+    return (m & PROMO_QUEEN)    ? QUEEN
+           : (m & PROMO_KNIGHT) ? KNIGHT
+           : (m & PROMO_BISHOP) ? BISHOP
+           : (m & PROMO_ROOK)   ? ROOK
+                                : 0;
 }
 
 // Castling rights: bit 2s is the king side of side s, bit 2s+1 its queen side.

@@ -4,7 +4,8 @@
 
 uint64_t ZOBRIST[1024];
 
-namespace {
+namespace
+{
 
 // One step of both multiply-with-carry generators, returning the 32-bit word.
 uint32_t next_word(uint32_t& z, uint32_t& w)
@@ -14,7 +15,7 @@ uint32_t next_word(uint32_t& z, uint32_t& w)
     return (z << 16) + w;
 }
 
-}  // namespace
+} // namespace
 
 int init_zobrist()
 {

@@ -12,7 +12,10 @@ extern uint64_t ZOBRIST[1024];
 // "bad hashcode" when two keys are too close. Returns the number of warnings.
 int init_zobrist();
 
-inline uint64_t piece_key(int code, int sq) { return ZOBRIST[code * 64 + sq]; }
+inline uint64_t piece_key(int code, int sq)
+{
+    return ZOBRIST[code * 64 + sq];
+}
 
 // Both keys from scratch, as the position reader computes them.
 void compute_keys(const Position* pos, uint64_t* key, uint64_t* pawn_key);

@@ -1,4 +1,7 @@
 #include "book/book.h"
 
 // Books are not read yet: no position is found in any book.
-Move book_probe(const Position*, const char*) { return 0; }
+Move book_probe(const Position*, const char*)
+{
+    return 0;
+}

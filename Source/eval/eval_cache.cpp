@@ -1,9 +1,9 @@
 #include "eval/eval_cache.h"
 
-#include <cstring>
-
 #include "search/search_thread.h"
 #include "search/threads.h"
+
+#include <cstring>
 
 void clear_eval_caches(SearchThread* t)
 {

@@ -1,12 +1,13 @@
 #include "eval/eval_tables.h"
 
-#include <cmath>
-
 #include "eval/params.h"
+
+#include <cmath>
 
 DerivedTables derived;
 
-namespace {
+namespace
+{
 
 // Both halves of a row's working values times a factor, rounded half away from zero.
 Score scaled(int row, double factor)
@@ -15,7 +16,7 @@ Score scaled(int row, double factor)
     return make_score(int(std::lround(p.opening_f * factor)), int(std::lround(p.endgame_f * factor)));
 }
 
-}  // namespace
+} // namespace
 
 void refresh_derived_tables()
 {

@@ -49,9 +49,9 @@ struct DerivedTables {
     Score bishop_mobility[14];
     Score rook_mobility[15];
     Score queen_mobility[28];
-    Score shield[10];                      // by shield count 0..9
-    Score king_danger[2][MAX_DANGER + 1];  // [0] enemy has a queen, [1] none
-    Score passer_own_king[8][8];           // [relative rank][distance]
+    Score shield[10];                     // by shield count 0..9
+    Score king_danger[2][MAX_DANGER + 1]; // [0] enemy has a queen, [1] none
+    Score passer_own_king[8][8];          // [relative rank][distance]
     Score passer_enemy_king[8][8];
 };
 

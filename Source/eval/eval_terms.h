@@ -31,9 +31,18 @@ inline Bitboard support_span(int side, int sq)
     return adj & ranks;
 }
 
-inline Bitboard shift_up(Bitboard b) { return b << 8; }
-inline Bitboard shift_down(Bitboard b) { return b >> 8; }
-inline Bitboard shift_forward(int side, Bitboard b) { return side == 0 ? b << 8 : b >> 8; }
+inline Bitboard shift_up(Bitboard b)
+{
+    return b << 8;
+}
+inline Bitboard shift_down(Bitboard b)
+{
+    return b >> 8;
+}
+inline Bitboard shift_forward(int side, Bitboard b)
+{
+    return side == 0 ? b << 8 : b >> 8;
+}
 
 inline Bitboard pawn_attacks_of(int side, Bitboard pawns)
 {
@@ -65,5 +74,5 @@ inline Bitboard dilate(Bitboard b)
     return row | (row << 8) | (row >> 8);
 }
 
-constexpr Bitboard CENTER_BLOCK = 0x00003C3C3C3C0000ULL;  // c3-f6
-constexpr Bitboard QUEEN_SIDE = 0x0F0F0F0F0F0F0F0FULL;    // files a-d
+constexpr Bitboard CENTER_BLOCK = 0x00003C3C3C3C0000ULL; // c3-f6
+constexpr Bitboard QUEEN_SIDE = 0x0F0F0F0F0F0F0F0FULL;   // files a-d

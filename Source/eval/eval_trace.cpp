@@ -1,39 +1,40 @@
 #include "eval/eval_trace.h"
 
-#include <cstdio>
-#include <cstring>
-
 #include "board/notation.h"
 #include "eval/params.h"
 
-namespace {
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
 
 int blend(Score s, double phase)
 {
     return int(double(opening_of(s)) * (1.0 - phase) + double(endgame_of(s)) * phase);
 }
 
-const char* const LABELS[EVAL_GROUPS] = {"pawns:", "knights:", "bishops:", "rooks:",
-                                         "queens:", "king:", "ppawns:", "other:"};
+const char* const LABELS[EVAL_GROUPS] = {
+    "pawns:", "knights:", "bishops:", "rooks:", "queens:", "king:", "ppawns:", "other:"};
 
 struct TableTitle {
     const char* title;
     int row;
 };
 
-const TableTitle TABLES[13] = {{"Pawn1", PST_P1},  {"Connected Pawn", PST_CP}, {"Defended Pawn", PST_DP},
-                               {"Knight1", PST_N1}, {"Bishop1", PST_B1},        {"Rook1", PST_R1},
-                               {"Queen1", PST_Q1},  {"King", PST_K},            {"Pawn2", PST_P2},
-                               {"Knight2", PST_N2}, {"Bishop2", PST_B2},        {"Rook2", PST_R2},
-                               {"Queen2", PST_Q2}};
+const TableTitle TABLES[13] = {
+    {"Pawn1", PST_P1},   {"Connected Pawn", PST_CP}, {"Defended Pawn", PST_DP}, {"Knight1", PST_N1},
+    {"Bishop1", PST_B1}, {"Rook1", PST_R1},          {"Queen1", PST_Q1},        {"King", PST_K},
+    {"Pawn2", PST_P2},   {"Knight2", PST_N2},        {"Bishop2", PST_B2},       {"Rook2", PST_R2},
+    {"Queen2", PST_Q2}};
 
-}  // namespace
+} // namespace
 
 void print_eval_breakdown(const EvalBreakdown& b, int level)
 {
     std::printf("           white  black    pos    mtl\n");
     for (int g = 0; g < EVAL_GROUPS; g++) {
-        int type = g + 1;  // pawns .. queens carry material
+        int type = g + 1; // pawns .. queens carry material
         Score group[2];
         Score material[2] = {0, 0};
         for (int s = 0; s < 2; s++) {

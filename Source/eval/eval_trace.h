@@ -10,11 +10,11 @@ constexpr int EVAL_GROUPS = 8;
 
 struct EvalBreakdown {
     Score snapshot[EVAL_GROUPS + 1][2];
-    Score material[2][7];  // per side and piece type
+    Score material[2][7]; // per side and piece type
     double phase;
     float scale;
     Bitboard hung;
-    int shown_score;  // side to move's view, without contempt
+    int shown_score; // side to move's view, without contempt
 };
 
 // Level 1: groups, hung pieces and the score line; level 2 adds every

@@ -1,9 +1,5 @@
 #include "eval/evaluate.h"
 
-#include <cmath>
-#include <cstdio>
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/notation.h"
@@ -16,7 +12,12 @@
 #include "search/search_thread.h"
 #include "uci/settings.h"
 
-namespace {
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
 
 double last_phase = 0.0;
 
@@ -35,10 +36,16 @@ constexpr int CHECK_WEIGHT[7] = {0, 0, 3, 3, 4, 4, 0};
 constexpr int CONTACT_CHECK_WEIGHT = 6;
 constexpr int UNOPPOSED_ZONE_ATTACKER = 4;
 
-constexpr Bitboard RANK_MASK(int r) { return RANK_1 << (8 * r); }
+constexpr Bitboard RANK_MASK(int r)
+{
+    return RANK_1 << (8 * r);
+}
 
 // Relative rank 0..7 of a square for a side.
-inline int relative_rank(int side, int sq) { return side == WHITE ? rank_of(sq) : 7 - rank_of(sq); }
+inline int relative_rank(int side, int sq)
+{
+    return side == WHITE ? rank_of(sq) : 7 - rank_of(sq);
+}
 
 // Wing-folded pawn hash key: pawn scores depend on where both kings stand.
 inline uint64_t pawn_hash_key(const Position* pos)
@@ -55,18 +62,18 @@ struct EvalState {
     const Position* pos;
     Score acc[2];
     Bitboard occ;
-    Bitboard attacked[2];     // by any man of the side
-    Bitboard attacked2[2];    // by at least two men
-    Bitboard by_type[2][7];   // by piece type
+    Bitboard attacked[2];   // by any man of the side
+    Bitboard attacked2[2];  // by at least two men
+    Bitboard by_type[2][7]; // by piece type
     Bitboard king_zone[2];
-    Bitboard exclusion[2];    // squares that do not count as reachable
+    Bitboard exclusion[2]; // squares that do not count as reachable
     Bitboard outposts[2];
     Bitboard passed[2];
-    Bitboard hung;            // for the trace
-    int tally[2];             // attack tally against this side's king
-    int threat[2];            // handed to the search
-    int flip[2];              // square maps: sq ^ flip[side]
-    int table_offset;         // 0: "1" tables, else the distance to the "2" tables
+    Bitboard hung;    // for the trace
+    int tally[2];     // attack tally against this side's king
+    int threat[2];    // handed to the search
+    int flip[2];      // square maps: sq ^ flip[side]
+    int table_offset; // 0: "1" tables, else the distance to the "2" tables
     Score snapshot[EVAL_GROUPS + 1][2];
 };
 
@@ -87,10 +94,16 @@ inline void add_scaled(EvalState& st, int side, int row, Score value, float fact
         param_table[row].coef += side == WHITE ? factor : -factor;
 }
 
-inline int pst_row(const EvalState& st, int table, int side, int sq) { return table + (sq ^ st.flip[side]); }
+inline int pst_row(const EvalState& st, int table, int side, int sq)
+{
+    return table + (sq ^ st.flip[side]);
+}
 
 // The "1" tables sit at fixed distances from their "2" twins.
-inline int piece_table(const EvalState& st, int table_one) { return st.table_offset ? table_one + st.table_offset : table_one; }
+inline int piece_table(const EvalState& st, int table_one)
+{
+    return st.table_offset ? table_one + st.table_offset : table_one;
+}
 
 void snapshot(EvalState& st, int group)
 {
@@ -173,7 +186,7 @@ void evaluate_pieces(EvalState& st, int s)
     Bitboard men = pos->pieces[s][Type];
     int mtl_row = Type == KNIGHT ? MTL_KNIGHT : Type == BISHOP ? MTL_BISHOP : Type == ROOK ? MTL_ROOK : MTL_QUEEN;
     add<Tune>(st, s, mtl_row, popcount(men));
-    int table = Type == KNIGHT ? piece_table(st, PST_N1)
+    int table = Type == KNIGHT   ? piece_table(st, PST_N1)
                 : Type == BISHOP ? piece_table(st, PST_B1)
                 : Type == ROOK   ? piece_table(st, PST_R1)
                                  : piece_table(st, PST_Q1);
@@ -333,7 +346,7 @@ void evaluate_passers(EvalState& st, int s)
             continue;
         }
         if (own & forward_file(s, sq))
-            continue;  // the rear pawn of a doubled pair is not the passer
+            continue; // the rear pawn of a doubled pair is not the passer
         st.passed[s] |= bit(sq);
         // Passed: no enemy pawn ahead on its own or the adjacent files. Mobile:
         // its stop square is empty. Free: the whole path to promotion is
@@ -423,7 +436,8 @@ void evaluate_rest(EvalState& st, int stm)
         Bitboard bishops = pos->pieces[s][BISHOP];
         if (!bishops)
             continue;
-        Bitboard colours = ((bishops & LIGHT_SQUARES) ? LIGHT_SQUARES : 0) | ((bishops & DARK_SQUARES) ? DARK_SQUARES : 0);
+        Bitboard colours =
+            ((bishops & LIGHT_SQUARES) ? LIGHT_SQUARES : 0) | ((bishops & DARK_SQUARES) ? DARK_SQUARES : 0);
         int n = popcount((s == WHITE ? rammed_white : rammed_black) & colours);
         if (n)
             add<Tune>(st, s, BISHOP_RAMPAWNS, n);
@@ -657,11 +671,17 @@ int evaluate_full(SearchThread* t, int stm, int ply, int trace)
     return final_score;
 }
 
-}  // namespace
+} // namespace
 
-void init_evaluation() { kpk_init(); }
+void init_evaluation()
+{
+    kpk_init();
+}
 
-double last_eval_phase() { return last_phase; }
+double last_eval_phase()
+{
+    return last_phase;
+}
 
 int evaluate(SearchThread* t, int stm, int ply, int skip, int trace)
 {

@@ -1,11 +1,12 @@
 #include "eval/kpk.h"
 
+#include "board/attacks.h"
+
 #include <cstdint>
 #include <vector>
 
-#include "board/attacks.h"
-
-namespace {
+namespace
+{
 
 // Index: side to move, black king, white king and the pawn folded onto files
 // a-d (ranks 2-7): 2 * 64 * 64 * 24 positions.
@@ -17,10 +18,19 @@ enum Result : uint8_t { INVALID, UNKNOWN, DRAW, WIN };
 uint32_t win_bits[POSITIONS / 32];
 bool built = false;
 
-int pawn_slot(int pawn) { return (rank_of(pawn) - 1) * 4 + file_of(pawn); }
-int slot_square(int slot) { return make_square(slot % 4, slot / 4 + 1); }
+int pawn_slot(int pawn)
+{
+    return (rank_of(pawn) - 1) * 4 + file_of(pawn);
+}
+int slot_square(int slot)
+{
+    return make_square(slot % 4, slot / 4 + 1);
+}
 
-int index_of(int stm, int wk, int bk, int pawn) { return stm + 2 * (bk + 64 * (wk + 64 * pawn_slot(pawn))); }
+int index_of(int stm, int wk, int bk, int pawn)
+{
+    return stm + 2 * (bk + 64 * (wk + 64 * pawn_slot(pawn)));
+}
 
 Result initial(int stm, int wk, int bk, int pawn)
 {
@@ -37,14 +47,14 @@ Result initial(int stm, int wk, int bk, int pawn)
     if (stm == 1) {
         Bitboard escapes = KING_ATTACKS[bk] & ~KING_ATTACKS[wk] & ~PAWN_ATTACKS[0][pawn];
         if (!escapes)
-            return DRAW;  // stalemate (the pawn stands unattacked here)
+            return DRAW; // stalemate (the pawn stands unattacked here)
         if ((KING_ATTACKS[bk] & bit(pawn)) && !(KING_ATTACKS[wk] & bit(pawn)))
-            return DRAW;  // the pawn falls
+            return DRAW; // the pawn falls
     }
     return UNKNOWN;
 }
 
-}  // namespace
+} // namespace
 
 void kpk_init()
 {

@@ -3,35 +3,86 @@
 // fixed order; a name repeated over consecutive rows forms an array.
 #pragma once
 
-#include <cstdint>
-
 #include "eval/score.h"
 
+#include <cstdint>
+
 struct EvalParam {
-    Score score;       // packed value the evaluation adds
-    double opening_f;  // working copies for tuning and personality scaling
+    Score score;      // packed value the evaluation adds
+    double opening_f; // working copies for tuning and personality scaling
     double endgame_f;
-    float coef;        // how strongly the row entered the last traced evaluation
-    int16_t frozen;    // non-zero keeps the tuner off the row
+    float coef;     // how strongly the row entered the last traced evaluation
+    int16_t frozen; // non-zero keeps the tuner off the row
     char name[26];
 };
 
 // Row indices. Arrays give their first row.
 enum ParamRow : int {
-    MTL_PAWN, MTL_KNIGHT, MTL_BISHOP, MTL_ROOK, MTL_QUEEN, BISHOP_PAIR,
-    PPAWN = 6, PPAWN_MOBILE = 14, PPAWN_FREE = 22,
-    PPAWN_FKING_DIST = 30, PPAWN_EKING_DIST, PPAWN_CONNECTED, CANDIDATE_PASSER,
-    PAWN_ISOLATED, PAWN_WEAK, PAWN_BLOCKED, PAWN_DOUBLED,
-    KNIGHT_MOBILITY, KNIGHT_OUTPOST, KNIGHT_OUTPOST_ATK, KNIGHT_TRAPPED,
-    BISHOP_MOBILITY, BISHOP_MOB2, BISHOP_OUTPOST, BISHOP_OUTPOST_ATK, BISHOP_TRAPPED,
-    ROOK_MOBILITY, ROOK_MOB2, ROOK_OPENFILE, ROOK_7TH, ROOK_TRAPPED,
-    QUEEN_MOBILITY, QUEEN_TRAPPED,
-    PAWN_SHIELD, ENEMY_CHECKS, KING_DANGER1, KING_DANGER2, KING_TRAPPED, KING_PAWN_PROX,
-    HUNG_PAWN, HUNG_MINOR, HUNG_MAJOR, ATTACKED_PAWN, ATTACKED_MINOR, ATTACKED_MAJOR,
-    PPUSH_THREAT, PINNED_PIECE, PINNED_PAWN, MTL_RVB, BISHOP_RAMPAWNS, STM_BONUS,
+    MTL_PAWN,
+    MTL_KNIGHT,
+    MTL_BISHOP,
+    MTL_ROOK,
+    MTL_QUEEN,
+    BISHOP_PAIR,
+    PPAWN = 6,
+    PPAWN_MOBILE = 14,
+    PPAWN_FREE = 22,
+    PPAWN_FKING_DIST = 30,
+    PPAWN_EKING_DIST,
+    PPAWN_CONNECTED,
+    CANDIDATE_PASSER,
+    PAWN_ISOLATED,
+    PAWN_WEAK,
+    PAWN_BLOCKED,
+    PAWN_DOUBLED,
+    KNIGHT_MOBILITY,
+    KNIGHT_OUTPOST,
+    KNIGHT_OUTPOST_ATK,
+    KNIGHT_TRAPPED,
+    BISHOP_MOBILITY,
+    BISHOP_MOB2,
+    BISHOP_OUTPOST,
+    BISHOP_OUTPOST_ATK,
+    BISHOP_TRAPPED,
+    ROOK_MOBILITY,
+    ROOK_MOB2,
+    ROOK_OPENFILE,
+    ROOK_7TH,
+    ROOK_TRAPPED,
+    QUEEN_MOBILITY,
+    QUEEN_TRAPPED,
+    PAWN_SHIELD,
+    ENEMY_CHECKS,
+    KING_DANGER1,
+    KING_DANGER2,
+    KING_TRAPPED,
+    KING_PAWN_PROX,
+    HUNG_PAWN,
+    HUNG_MINOR,
+    HUNG_MAJOR,
+    ATTACKED_PAWN,
+    ATTACKED_MINOR,
+    ATTACKED_MAJOR,
+    PPUSH_THREAT,
+    PINNED_PIECE,
+    PINNED_PAWN,
+    MTL_RVB,
+    BISHOP_RAMPAWNS,
+    STM_BONUS,
     TMP0 = 72,
-    PST_P1 = 81, PST_CP = 145, PST_DP = 209, PST_N1 = 273, PST_B1 = 337, PST_R1 = 401, PST_Q1 = 465,
-    PST_K = 529, PST_P2 = 593, PST_N2 = 657, PST_B2 = 721, PST_R2 = 785, PST_Q2 = 849,
+    PST_P1 = 81,
+    PST_CP = 145,
+    PST_DP = 209,
+    PST_N1 = 273,
+    PST_B1 = 337,
+    PST_R1 = 401,
+    PST_Q1 = 465,
+    PST_K = 529,
+    PST_P2 = 593,
+    PST_N2 = 657,
+    PST_B2 = 721,
+    PST_R2 = 785,
+    PST_Q2 = 849,
     PARAM_ROWS = 913
 };
 static_assert(STM_BONUS == 71, "scalar rows end before the spare rows");

@@ -1,9 +1,9 @@
 #include "search/history.h"
 
+#include "search/search_values.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "search/search_values.h"
 
 const MoveEntry* previous_move(const SearchThread* t, int ply, int back)
 {

@@ -3,7 +3,10 @@
 
 #include "search/search_thread.h"
 
-inline int history_index(int prev_type, int piece, int to) { return ((prev_type * 16 + piece) * 64) + to; }
+inline int history_index(int prev_type, int piece, int to)
+{
+    return ((prev_type * 16 + piece) * 64) + to;
+}
 
 // The move made `back` plies above `ply` (1 = the move that led here), or
 // nullptr when there was none or it was a null move.

@@ -1,9 +1,5 @@
 #include "search/iterate.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/gives_check.h"
 #include "board/legality.h"
@@ -25,10 +21,15 @@
 #include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
-namespace {
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
 
 constexpr int UNSEARCHED = -11000;
-constexpr double CURRMOVE_AFTER = 3.5;  // seconds before the main thread shows its current move
+constexpr double CURRMOVE_AFTER = 3.5; // seconds before the main thread shows its current move
 constexpr int MAX_ITERATION = 69;
 constexpr int LAST_GAME_PLY = 883;
 constexpr int MAX_PV_SHOWN = 66;
@@ -36,8 +37,14 @@ constexpr int ROOT_REDUCTION_DEPTH = 6;
 constexpr int ROOT_REDUCTION_MOVES = 5;
 constexpr int ROOT_REDUCTION_MARGIN = 24;
 
-inline bool stopped() { return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE; }
-inline bool is_main(const SearchThread* t) { return t->thread_number == 0; }
+inline bool stopped()
+{
+    return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE;
+}
+inline bool is_main(const SearchThread* t)
+{
+    return t->thread_number == 0;
+}
 
 void stable_sort_from(SearchThread* t, int first)
 {
@@ -115,7 +122,7 @@ bool root_tablebase_step(SearchThread* t)
     return false;
 }
 
-}  // namespace
+} // namespace
 
 int helper_depth(int depth, int threads_at_depth, int thread_count)
 {
@@ -169,8 +176,8 @@ void print_info_line(const SearchThread* t, int depth, int score, const uint16_t
                               elapsed > 0.001 ? nodes / elapsed : 0.0, double(total_tbhits()),
                               tt_hashfull(depth) * 1000, pv_text));
     } else {
-        send_line(format_line(line, sizeof line, "%02d] %02d%c %5.1f %7.0fK %5d  %s", line_number, depth, mark,
-                              elapsed, nodes * 0.001, score, pv_text));
+        send_line(format_line(line, sizeof line, "%02d] %02d%c %5.1f %7.0fK %5d  %s", line_number, depth, mark, elapsed,
+                              nodes * 0.001, score, pv_text));
     }
 }
 
@@ -184,7 +191,7 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
     pi.beta = int16_t(beta);
     pi.depth = int16_t(depth);
     pi.reduction = 0;
-    pi.list_end = t->move_buffer;  // the root keeps its own list; children start behind this slot
+    pi.list_end = t->move_buffer; // the root keeps its own list; children start behind this slot
     CheckInfo ci = check_info(pos);
     bool has_material = pos->phase_material[side] > 0 && pos->pieces[side][PAWN];
     for (int i = line; i < t->root_count; i++)
@@ -198,8 +205,8 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
         double elapsed = now_seconds() - limits.start_time;
         double nodes = double(total_nodes());
         send_line(format_line(text, sizeof text, "info depth %d time %.0f nodes %.0f nps %.0f hashfull %.0f",
-                              int(limits.completed_depth), elapsed * 1000, nodes, elapsed > 0.001 ? nodes / elapsed : 0.0,
-                              tt_hashfull(depth) * 1000));
+                              int(limits.completed_depth), elapsed * 1000, nodes,
+                              elapsed > 0.001 ? nodes / elapsed : 0.0, tt_hashfull(depth) * 1000));
     }
     for (int i = line; i < t->root_count; i++) {
         RootMove& rm = t->root_moves[i];

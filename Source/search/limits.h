@@ -4,24 +4,24 @@
 // search runs are atomics.
 #pragma once
 
+#include "board/types.h"
+
 #include <atomic>
 #include <cstdint>
-
-#include "board/types.h"
 
 enum SearchState : uint8_t {
     SEARCH_IDLE = 0,
     SEARCH_REQUESTED = 1,
     PONDER_REQUESTED = 2,
-    SEARCH_FINISH = 3,  // searching or done, due to be reported
+    SEARCH_FINISH = 3, // searching or done, due to be reported
     SEARCH_PONDERING = 4,
 };
 
 enum StopSignal : uint8_t {
     STOP_NONE = 0,
-    STOP_REPORT = 1,   // time or the stop command: report the move
-    STOP_LIMIT = 2,    // the search ended by its own limits
-    STOP_SILENT = 3,   // abort without a report
+    STOP_REPORT = 1, // time or the stop command: report the move
+    STOP_LIMIT = 2,  // the search ended by its own limits
+    STOP_SILENT = 3, // abort without a report
     STOP_SHUTDOWN = 99,
 };
 
@@ -35,7 +35,7 @@ struct SearchLimits {
     std::atomic<uint8_t> stop_signal;
 
     // Requested limits (go, level, command line).
-    uint8_t fixed_limit;  // 0 whole game, 1 fixed per move, 40 moves per control
+    uint8_t fixed_limit; // 0 whole game, 1 fixed per move, 40 moves per control
     uint8_t max_depth;
     uint64_t node_limit;
     double move_time;
@@ -43,9 +43,9 @@ struct SearchLimits {
     double white_time;
     double black_time;
     int16_t moves_to_go;
-    int16_t level_moves;       // console "level": moves per control, 0 for UCI
-    bool infinite;             // go infinite: the report waits for "stop"
-    uint8_t base_max_depth;    // what each go starts from (the command line may set it)
+    int16_t level_moves;    // console "level": moves per control, 0 for UCI
+    bool infinite;          // go infinite: the report waits for "stop"
+    uint8_t base_max_depth; // what each go starts from (the command line may set it)
     uint64_t base_node_limit;
     double base_move_time;
     uint8_t base_fixed_limit;
@@ -59,11 +59,11 @@ struct SearchLimits {
     std::atomic<uint8_t> single_reply;
     std::atomic<int16_t> best_change_depth;
     std::atomic<int16_t> root_score_by_depth[MAX_PLY + 2];
-    std::atomic<uint8_t> root_line_state;  // 0 inside the window, 1 failed low, 2 failed high
-    std::atomic<int> root_score;           // the main thread's current root score
+    std::atomic<uint8_t> root_line_state; // 0 inside the window, 1 failed low, 2 failed high
+    std::atomic<int> root_score;          // the main thread's current root score
     double target_nps;
-    double full_nps;   // the machine's full search rate, from the start-up calibration
-    double full_elo;   // the engine's own rating estimate at full speed
+    double full_nps; // the machine's full search rate, from the start-up calibration
+    double full_elo; // the engine's own rating estimate at full speed
     double elo_in_force;
     bool rate_limited;
     uint32_t random_word;
@@ -73,11 +73,11 @@ struct SearchLimits {
     std::atomic<bool> search_started;
     std::atomic<int8_t> completed_depth;
     double completed_time;
-    int engine_side;       // the side the engine plays in this search
-    double contempt_gate;  // contempt applies while this is at most 90000
+    int engine_side;      // the side the engine plays in this search
+    double contempt_gate; // contempt applies while this is at most 90000
 
     // Result.
-    uint16_t preset_move;  // a book move, else 0
+    uint16_t preset_move; // a book move, else 0
     uint16_t best_move;
     uint16_t ponder_move;
     int16_t best_score;
@@ -95,8 +95,8 @@ struct SearchLimits {
 
     int thread_count;
     uint8_t clear_pending;
-    bool self_play;   // console "self": the engine plays both sides
-    bool play_once;   // console "move": the engine plays one move
+    bool self_play; // console "self": the engine plays both sides
+    bool play_once; // console "move": the engine plays one move
 };
 
 extern SearchLimits limits;

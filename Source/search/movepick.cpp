@@ -5,7 +5,8 @@
 #include "search/history.h"
 #include "search/search_thread.h"
 
-namespace {
+namespace
+{
 
 // Expected gain by captured type, for ordering.
 constexpr int MVV[8] = {210, 220, 230, 230, 240, 250, 0, 0};
@@ -15,18 +16,24 @@ constexpr int UNDER_PROMOTION_SCORE = 15;
 enum Stage {
     STAGE_HASH = 0,
     STAGE_GEN_CAPTURES = 1,
-    STAGE_CAPTURES = 2,       // without exchange scoring (quiescence)
+    STAGE_CAPTURES = 2, // without exchange scoring (quiescence)
     STAGE_QUIET_CHECKS = 3,
     STAGE_GOOD_CAPTURES = 4,
     STAGE_GEN_QUIETS = 5,
-    STAGE_REST = 6,           // quiet moves and losing captures together
-    STAGE_GEN_ALL = 7,        // plain walk of every move (perft)
+    STAGE_REST = 6,    // quiet moves and losing captures together
+    STAGE_GEN_ALL = 7, // plain walk of every move (perft)
     STAGE_WALK = 8,
     STAGE_END = 15,
 };
 
-inline int stage_of(const PlyInfo& pi) { return pi.pick_stage & 15; }
-inline void set_stage(PlyInfo& pi, int stage) { pi.pick_stage = uint16_t((pi.pick_stage & ~15) | stage); }
+inline int stage_of(const PlyInfo& pi)
+{
+    return pi.pick_stage & 15;
+}
+inline void set_stage(PlyInfo& pi, int stage)
+{
+    pi.pick_stage = uint16_t((pi.pick_stage & ~15) | stage);
+}
 
 // Moves the best-scored entry of [next, end) to next (first of equals wins).
 MoveEntry* select_best(PlyInfo& pi)
@@ -77,7 +84,9 @@ void score_quiets(SearchThread* t, int ply, PlyInfo& pi, MoveEntry* begin, MoveE
     uint16_t follow = prev2 ? t->followup[prev2->piece][move_to(prev2->move)] : 0;
     for (MoveEntry* e = begin; e != end; e++) {
         int to = move_to(e->move);
-        int base = (t->history[history_index(prev_type, e->piece, to)] / 256 + t->history[history_index(0, e->piece, to)] / 256) / 2;
+        int base = (t->history[history_index(prev_type, e->piece, to)] / 256
+                    + t->history[history_index(0, e->piece, to)] / 256)
+                   / 2;
         Move m = e->move;
         if (!pi.in_check) {
             if (m == pi.killer[0])
@@ -102,7 +111,7 @@ void score_quiets(SearchThread* t, int ply, PlyInfo& pi, MoveEntry* begin, MoveE
     }
 }
 
-}  // namespace
+} // namespace
 
 MoveEntry* list_start(SearchThread* t, int ply)
 {

@@ -9,14 +9,14 @@ struct SearchThread;
 struct MoveEntry;
 
 // Mode bits of pick_stage (the low four bits hold the stage).
-constexpr int PICK_HASH_FIRST = 16;  // the table move first
-constexpr int PICK_ORDERED = 32;     // staged, scored ordering (without it: a plain walk)
-constexpr int PICK_SEE = 64;         // captures scored by exchange value, then quiet moves
-constexpr int PICK_CHECKS = 128;     // after the captures, quiet checking moves
+constexpr int PICK_HASH_FIRST = 16; // the table move first
+constexpr int PICK_ORDERED = 32;    // staged, scored ordering (without it: a plain walk)
+constexpr int PICK_SEE = 64;        // captures scored by exchange value, then quiet moves
+constexpr int PICK_CHECKS = 128;    // after the captures, quiet checking moves
 
-constexpr int MODE_SEARCH = PICK_HASH_FIRST | PICK_ORDERED | PICK_SEE;  // 112
-constexpr int MODE_QUIESCE = PICK_ORDERED;                                // 32
-constexpr int MODE_QUIESCE_CHECKS = PICK_ORDERED | PICK_CHECKS;           // 160
+constexpr int MODE_SEARCH = PICK_HASH_FIRST | PICK_ORDERED | PICK_SEE; // 112
+constexpr int MODE_QUIESCE = PICK_ORDERED;                             // 32
+constexpr int MODE_QUIESCE_CHECKS = PICK_ORDERED | PICK_CHECKS;        // 160
 constexpr int MODE_PLAIN = 0;
 
 // Score the picker gives the table move.

@@ -1,8 +1,5 @@
 #include "search/search.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/draw.h"
@@ -23,9 +20,13 @@
 #include "tablebase/tbprobe.h"
 #include "uci/settings.h"
 
+#include <algorithm>
+#include <cstring>
+
 MoveEntry NULL_MOVE_ENTRY = {0, 0, 0, 0};
 
-namespace {
+namespace
+{
 
 // Cut-node block and static pruning.
 constexpr int EVAL_DROP_LIMIT = 75;        // the static eval may have fallen this much since ply - 2
@@ -43,9 +44,15 @@ constexpr int STRENGTH_MASK = 511;
 
 constexpr int MVV[8] = {210, 220, 230, 230, 240, 250, 0, 0};
 
-inline bool stopped() { return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE; }
+inline bool stopped()
+{
+    return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE;
+}
 
-inline int worth(int code) { return PIECE_WORTH[piece_type(code)]; }
+inline int worth(int code)
+{
+    return PIECE_WORTH[piece_type(code)];
+}
 
 // Does a quiet move create a threat that late-move pruning must not throw away?
 bool makes_new_threat(const Position* pos, Move move, int piece)
@@ -73,7 +80,7 @@ bool makes_new_threat(const Position* pos, Move move, int piece)
     case QUEEN:
         return queen_attacks(to, occ) & king_ring;
     default:
-        return false;  // king moves are always pruned
+        return false; // king moves are always pruned
     }
 }
 
@@ -88,7 +95,10 @@ inline bool worth_more(const Position* pos, const MoveEntry* e)
     return !is_ep_capture(pos, e->move, e->piece) && worth(e->piece) > worth(e->captured);
 }
 
-int non_pawn_units(const Position* pos, int side) { return pos->phase_material[side]; }
+int non_pawn_units(const Position* pos, int side)
+{
+    return pos->phase_material[side];
+}
 
 // Any man of the side to move (king excepted) that the opponent can win by exchange?
 bool safe_from_captures(const Position* pos, int eval, int beta)
@@ -122,7 +132,7 @@ void limit_node_rate(const SearchThread* t)
     }
 }
 
-}  // namespace
+} // namespace
 
 int move_class(const SearchThread* t, Move move, int piece, int captured, const CheckInfo& ci)
 {
@@ -213,7 +223,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
 
     // Step 10: transposition table.
     bool tt_fail_low = false, tt_fail_high = false;
-    int tt_depth = -1;  // the entry's draft, when usable
+    int tt_depth = -1; // the entry's draft, when usable
     if (depth >= 0 && tt.use_hash) {
         t->tt_probes++;
         TransEntry entry;

@@ -1,9 +1,9 @@
 #include "search/search_params.h"
 
+#include "uci/settings.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "uci/settings.h"
 
 SearchParams search_params;
 

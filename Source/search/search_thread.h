@@ -2,12 +2,12 @@
 // the same kind, so that make/unmake and the draw test work alike on both.
 #pragma once
 
-#include <atomic>
-
 #include "board/movegen.h"
 #include "board/position.h"
 #include "eval/eval_cache.h"
 #include "search/ply_info.h"
+
+#include <atomic>
 
 // Room for the move lists of one line: the list of ply p starts where the
 // list of ply p - 1 ends.
@@ -21,9 +21,9 @@ constexpr int HISTORY_START = 2048;
 constexpr int ROOT_PLY = 1;
 
 struct RootMove {
-    MoveEntry entry;  // the move with its piece codes; entry.score orders the list
+    MoveEntry entry; // the move with its piece codes; entry.score orders the list
     int16_t last_score;
-    uint16_t pv[MAX_PLY + 2];  // its line when it last led a MultiPV line
+    uint16_t pv[MAX_PLY + 2]; // its line when it last led a MultiPV line
 };
 
 enum ThreadCommand : uint8_t {
@@ -37,9 +37,9 @@ enum ThreadCommand : uint8_t {
 struct SearchThread {
     Position pos;
     UndoRecord undo[MAX_GAME_PLY];
-    int16_t game_ply;    // undo records in use, the index of the next one
-    int16_t search_ply;  // ply of the current node; 1 after set-up
-    uint16_t last_move;  // move that led here, 0 if none
+    int16_t game_ply;   // undo records in use, the index of the next one
+    int16_t search_ply; // ply of the current node; 1 after set-up
+    uint16_t last_move; // move that led here, 0 if none
     int thread_number;
     std::atomic<uint8_t> command;
 
@@ -51,14 +51,14 @@ struct SearchThread {
     uint8_t seldepth;
     std::atomic<uint8_t> iteration_depth;
     uint8_t null_moves_on_path;
-    uint8_t best_move_depth;  // iteration of the last change of the root's best move
+    uint8_t best_move_depth; // iteration of the last change of the root's best move
     uint32_t root_seed;
 
     // Search stack and ordering tables.
     PlyInfo plies[MAX_PLY + 2];
     int16_t history[HISTORY_SIZE];
-    uint16_t counter_moves[16][64][2];  // by the previous move's piece code and to-square
-    uint16_t followup[16][64];          // by piece code and to-square of the move two plies back
+    uint16_t counter_moves[16][64][2]; // by the previous move's piece code and to-square
+    uint16_t followup[16][64];         // by piece code and to-square of the move two plies back
     MoveEntry move_buffer[MOVE_BUFFER_SIZE];
 
     // Root.
@@ -75,14 +75,17 @@ struct SearchThread {
     uint64_t eval_count;
     uint64_t pawn_probes, pawn_hits;
     uint64_t eval_probes, eval_hits;
-    uint8_t tuning;  // record each row's coefficient (tuner only)
+    uint8_t tuning; // record each row's coefficient (tuner only)
 };
 
 // The record that holds the game position (not a search worker).
 extern SearchThread* game_thread;
 
 // Points a position at its record; to be called once per record.
-inline void attach_position(SearchThread* t) { t->pos.thread = t; }
+inline void attach_position(SearchThread* t)
+{
+    t->pos.thread = t;
+}
 
 // Allocates a zeroed record with its position attached; nullptr on failure.
 SearchThread* new_search_thread();

@@ -2,10 +2,10 @@
 #pragma once
 
 constexpr int INFINITE_SCORE = 10001;
-constexpr int MATE = 10000;          // a side mated at ply p scores p - MATE
-constexpr int MATE_BOUND = 9599;     // scores this large are mate scores
-constexpr int TB_WIN = 9800;         // tablebase wins score TB_WIN - ply
-constexpr int MAX_SEARCH_PLY = 65;   // deeper nodes return their evaluation
+constexpr int MATE = 10000;        // a side mated at ply p scores p - MATE
+constexpr int MATE_BOUND = 9599;   // scores this large are mate scores
+constexpr int TB_WIN = 9800;       // tablebase wins score TB_WIN - ply
+constexpr int MAX_SEARCH_PLY = 65; // deeper nodes return their evaluation
 constexpr int NO_SCORE = -10001;
 
 // Worth of a piece type for "worth more than" tests: P N B R Q K.

@@ -1,26 +1,26 @@
 #include "search/threads.h"
 
-#include <pthread.h>
-#include <sched.h>
-
-#include <atomic>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <vector>
-
 #include "search/clock.h"
 #include "search/iterate.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/tt.h"
 
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <pthread.h>
+#include <sched.h>
+#include <string>
+#include <vector>
+
 bool numa_binding = false;
 std::mutex info_lock;
 std::mutex stats_lock;
 
-namespace {
+namespace
+{
 
 constexpr int MAX_THREADS = 128;
 constexpr int NUMA_THRESHOLD = 32;
@@ -101,7 +101,7 @@ void* worker_main(void* arg)
     return nullptr;
 }
 
-}  // namespace
+} // namespace
 
 bool start_threads(int n)
 {
@@ -146,9 +146,15 @@ void stop_threads()
     count = 0;
 }
 
-int worker_count() { return count; }
+int worker_count()
+{
+    return count;
+}
 
-SearchThread* worker(int i) { return i >= 0 && i < count ? workers[i].load() : nullptr; }
+SearchThread* worker(int i)
+{
+    return i >= 0 && i < count ? workers[i].load() : nullptr;
+}
 
 int count_busy_threads()
 {

@@ -1,9 +1,5 @@
 #include "search/timeman.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-
 #include "board/fen.h"
 #include "eval/params.h"
 #include "search/clock.h"
@@ -16,12 +12,20 @@
 #include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
-namespace {
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace
+{
 
 constexpr double MIN_TARGET = 0.002;
 constexpr double MIN_ELAPSED = 0.015;
 
-double& own_clock(int side) { return side == WHITE ? limits.white_time : limits.black_time; }
+double& own_clock(int side)
+{
+    return side == WHITE ? limits.white_time : limits.black_time;
+}
 
 void set_target_time()
 {
@@ -81,9 +85,12 @@ void set_strength()
         elo >= 1 && elo < 2200 ? int(std::min(150.0, 3000.0 / (limits.target_nps + 1))) : 0;
 }
 
-}  // namespace
+} // namespace
 
-double elo_of_rate(double x) { return 144.0 * std::log(x) + 1014.0 - 3000.0 / (x + 1); }
+double elo_of_rate(double x)
+{
+    return 144.0 * std::log(x) + 1014.0 - 3000.0 / (x + 1);
+}
 
 double rate_for_elo(double elo)
 {

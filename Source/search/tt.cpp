@@ -1,10 +1,5 @@
 #include "search/tt.h"
 
-#include <sys/mman.h>
-
-#include <atomic>
-#include <cstring>
-
 #include "board/movegen.h"
 #include "board/zobrist.h"
 #include "search/clock.h"
@@ -12,9 +7,14 @@
 #include "search/threads.h"
 #include "uci/output.h"
 
+#include <atomic>
+#include <cstring>
+#include <sys/mman.h>
+
 TransTable tt;
 
-namespace {
+namespace
+{
 
 bool keys_made = false;
 void* mapped = nullptr;
@@ -28,8 +28,14 @@ constexpr int STORE_MATE_LOW = 9698;
 // An entry is two 64-bit words read and written with relaxed atomics:
 // word 0 = lock | check << 32,
 // word 1 = move | score << 16 | depth << 32 | bound << 40 | age << 48 | halfmove << 56.
-inline uint64_t load(uint64_t* w) { return std::atomic_ref<uint64_t>(*w).load(std::memory_order_relaxed); }
-inline void save(uint64_t* w, uint64_t v) { std::atomic_ref<uint64_t>(*w).store(v, std::memory_order_relaxed); }
+inline uint64_t load(uint64_t* w)
+{
+    return std::atomic_ref<uint64_t>(*w).load(std::memory_order_relaxed);
+}
+inline void save(uint64_t* w, uint64_t v)
+{
+    std::atomic_ref<uint64_t>(*w).store(v, std::memory_order_relaxed);
+}
 
 inline TransEntry unpack(uint64_t w0, uint64_t w1)
 {
@@ -50,7 +56,10 @@ inline uint32_t check_word(uint64_t key, int score, Move move)
     return uint32_t(key >> 32) ^ uint32_t(score + 15000) ^ (uint32_t(move) << 16);
 }
 
-inline uint64_t* entry_words(uint64_t index) { return tt.words + 2 * index; }
+inline uint64_t* entry_words(uint64_t index)
+{
+    return tt.words + 2 * index;
+}
 
 // Fresh anonymous pages read as zero and cost memory only once touched; a
 // clear hands whole pages back the same way.
@@ -71,7 +80,7 @@ void zero_range(uint64_t first, uint64_t count)
     }
 }
 
-}  // namespace
+} // namespace
 
 uint64_t tt_bucket_index(uint64_t key)
 {
@@ -121,7 +130,10 @@ int tt_allocate(int megabytes)
     return 1;
 }
 
-int tt_megabytes() { return tt.megabytes; }
+int tt_megabytes()
+{
+    return tt.megabytes;
+}
 
 void tt_clear_slice(int index, int count)
 {

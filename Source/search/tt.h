@@ -7,19 +7,19 @@
 // lets a reader reject an entry torn by a concurrent writer.
 #pragma once
 
-#include <cstdint>
-
 #include "board/position.h"
+
+#include <cstdint>
 
 enum Bound : uint8_t { BOUND_NONE = 0, BOUND_UPPER = 1, BOUND_LOWER = 2, BOUND_EXACT = 3 };
 
 // The probe result handed to callers: a copy of the entry's fields.
 struct TransEntry {
-    uint32_t lock;   // low 32 bits of the key
-    uint32_t check;  // (key >> 32) ^ (score + 15000) ^ (move << 16)
+    uint32_t lock;  // low 32 bits of the key
+    uint32_t check; // (key >> 32) ^ (score + 15000) ^ (move << 16)
     uint16_t move;
-    int16_t score;   // mate scores relative to the node
-    int8_t depth;    // -98: torn entry, -99: move does not fit; below -9 is a miss
+    int16_t score; // mate scores relative to the node
+    int8_t depth;  // -98: torn entry, -99: move does not fit; below -9 is a miss
     uint8_t bound;
     uint8_t age;
     uint8_t halfmove;
@@ -31,11 +31,11 @@ constexpr int TT_BAD_MOVE = -99;
 constexpr int TT_MISS = -10;
 
 struct TransTable {
-    uint32_t entries;     // usable entries: megabytes * 65536
-    uint64_t index_mask;  // largest power of two not above entries, minus one
-    uint64_t* words;      // two words per entry; entries + 16 entries in all
+    uint32_t entries;    // usable entries: megabytes * 65536
+    uint64_t index_mask; // largest power of two not above entries, minus one
+    uint64_t* words;     // two words per entry; entries + 16 entries in all
     int megabytes;
-    uint16_t age;         // 1..15, advanced before every search
+    uint16_t age; // 1..15, advanced before every search
     uint8_t use_hash;
 };
 

@@ -1,9 +1,9 @@
 // Endgame tablebases in the Syzygy format: what the engine asks of them.
 #pragma once
 
-#include <cstdint>
-
 #include "board/position.h"
+
+#include <cstdint>
 
 // Largest piece count (kings included) among the tables found; 0 for none.
 extern uint32_t tb_largest;

@@ -12,7 +12,8 @@
 #include "uci/input.h"
 #include "uci/output.h"
 
-namespace {
+namespace
+{
 
 // Position 9 repeats position 3 and position 10 carries a trailing blank, as always.
 const char* const BENCH_POSITIONS[20] = {
@@ -40,7 +41,7 @@ const char* const BENCH_POSITIONS[20] = {
 
 constexpr int BENCH_DEPTH = 17;
 
-}  // namespace
+} // namespace
 
 void run_benchmark(int count, bool direct)
 {

@@ -2,7 +2,8 @@
 
 #include "uci/output.h"
 
-namespace {
+namespace
+{
 
 void not_built(const char* tool, const char* file)
 {
@@ -10,9 +11,12 @@ void not_built(const char* tool, const char* file)
     send_line(format_line(line, sizeof line, "%s is not part of this version (file %.200s untouched)", tool, file));
 }
 
-}  // namespace
+} // namespace
 
-void run_epd_analysis(const char* file) { not_built("EPD test-suite analysis", file); }
+void run_epd_analysis(const char* file)
+{
+    not_built("EPD test-suite analysis", file);
+}
 
 void scan_pgn(const char* file, int variant)
 {
@@ -26,4 +30,7 @@ double make_tune_file(const char* file)
     return 0.0;
 }
 
-void make_book(const char* file) { not_built("book building", file); }
+void make_book(const char* file)
+{
+    not_built("book building", file);
+}

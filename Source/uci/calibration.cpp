@@ -11,12 +11,13 @@
 #include "search/timeman.h"
 #include "uci/output.h"
 
-namespace {
+namespace
+{
 
 constexpr double CALIBRATION_SECONDS = 0.3;
-constexpr double SEARCH_SPEED_FACTOR = 1.17;  // search nodes per counted node of the loop below
+constexpr double SEARCH_SPEED_FACTOR = 1.17; // search nodes per counted node of the loop below
 
-}  // namespace
+} // namespace
 
 void calibrate_speed()
 {

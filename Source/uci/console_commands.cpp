@@ -1,9 +1,5 @@
 #include "uci/console_commands.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-
 #include "board/attack_queries.h"
 #include "board/board_display.h"
 #include "board/epd.h"
@@ -26,7 +22,12 @@
 #include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
-namespace {
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
 
 constexpr int MAX_WORDS = 10;
 
@@ -56,7 +57,10 @@ void split_words(const char* line, Words* w)
     }
 }
 
-int clamp(long v, int lo, int hi) { return v < lo ? lo : v > hi ? hi : int(v); }
+int clamp(long v, int lo, int hi)
+{
+    return v < lo ? lo : v > hi ? hi : int(v);
+}
 
 void echo_setting(const char* name, int value)
 {
@@ -70,7 +74,7 @@ struct DepthWord {
     int setting;
 };
 
-const DepthWord DEPTH_WORDS[] = {{"NMP_depth", NMP_DEPTH}, {"SEP_depth", SEP_DEPTH}, {"FP_depth", FP_DEPTH},
+const DepthWord DEPTH_WORDS[] = {{"NMP_depth", NMP_DEPTH},    {"SEP_depth", SEP_DEPTH}, {"FP_depth", FP_DEPTH},
                                  {"ProbCut_depth", PC_DEPTH}, {"LMP_depth", LMP_DEPTH}, {"LMR_depth", LMR_DEPTH}};
 
 void search_setting(int index, int value)
@@ -89,7 +93,8 @@ void swap_command()
             continue;
         int s = piece_side(code) ^ 1;
         if (is_square_attacked(pos, sq, s))
-            send_line(format_line(line, sizeof line, "sq= %s, swap1= %4d", SQUARE_NAMES[sq], swap(pos, s, NO_SQUARE, sq)));
+            send_line(
+                format_line(line, sizeof line, "sq= %s, swap1= %4d", SQUARE_NAMES[sq], swap(pos, s, NO_SQUARE, sq)));
     }
 }
 
@@ -210,7 +215,7 @@ void start_engine_move(bool continuous)
     limits.search_state = SEARCH_REQUESTED;
 }
 
-}  // namespace
+} // namespace
 
 void show_game_board()
 {

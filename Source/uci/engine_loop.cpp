@@ -1,7 +1,5 @@
 #include "uci/engine_loop.h"
 
-#include <cmath>
-
 #include "board/attack_queries.h"
 #include "board/fen.h"
 #include "board/makemove.h"
@@ -22,7 +20,10 @@
 #include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
-namespace {
+#include <cmath>
+
+namespace
+{
 
 // A book move is trusted only if it does not leave the mover in check.
 Move checked_book_move(Move move)
@@ -89,13 +90,13 @@ void collect_result()
     }
     limits.tb_hits = total_tbhits();
     if (limits.preset_move || limits.best_move)
-        return;  // a book move, or a move chosen without a search
+        return; // a book move, or a move chosen without a search
     const SearchThread* main = worker(0);
     if (!main)
         return;
     Move best = main->best_move;
     if (!best && main->root_count > 0)
-        best = main->root_moves[0].entry.move;  // stopped before the first move was searched
+        best = main->root_moves[0].entry.move; // stopped before the first move was searched
     limits.best_move = best;
     limits.best_score = int16_t(main->root_score);
     int n = 0;
@@ -115,14 +116,14 @@ void print_console_statistics()
     double elapsed = limits.elapsed;
     int depth = limits.completed_depth;
     limits.hash_fill = tt_hashfull(depth > 6 ? depth : 7);
-    send_line(format_line(text, sizeof text, "move= %s, time= %0.3f, score= %d, nodes= %0.0f, nps= %0.0fK ebf= %0.2f", move,
-                          elapsed, limits.best_score, double(limits.total_nodes),
+    send_line(format_line(text, sizeof text, "move= %s, time= %0.3f, score= %d, nodes= %0.0f, nps= %0.0fK ebf= %0.2f",
+                          move, elapsed, limits.best_score, double(limits.total_nodes),
                           double(limits.total_nodes) / (elapsed + 0.001) * 0.001, effective_branching_factor()));
-    send_line(format_line(text, sizeof text,
-                          "Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, TB=%0.0fK",
-                          100 * limits.hash_fill, 100.0 * double(limits.main_hits) / double(limits.main_probes + 1),
-                          100.0 * double(limits.pawn_hits) / double(limits.pawn_probes + 1),
-                          100.0 * double(limits.eval_hits) / double(limits.eval_probes + 1), double(limits.tb_hits) * 0.001));
+    send_line(format_line(
+        text, sizeof text, "Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, TB=%0.0fK",
+        100 * limits.hash_fill, 100.0 * double(limits.main_hits) / double(limits.main_probes + 1),
+        100.0 * double(limits.pawn_hits) / double(limits.pawn_probes + 1),
+        100.0 * double(limits.eval_hits) / double(limits.eval_probes + 1), double(limits.tb_hits) * 0.001));
     const uint32_t* c = limits.node_type_count;
     if (c[0] + c[1] + c[2] + c[3])
         send_line(format_line(text, sizeof text, "ncnt1= %d, ncnt2= %d, ncnt3= %d, ncnt4= %d", c[0], c[1], c[2], c[3]));
@@ -179,7 +180,7 @@ void report_if_due()
     }
 }
 
-}  // namespace
+} // namespace
 
 double effective_branching_factor()
 {

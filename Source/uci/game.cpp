@@ -1,8 +1,5 @@
 #include "uci/game.h"
 
-#include <cstdio>
-#include <cstring>
-
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/notation.h"
@@ -10,9 +7,13 @@
 #include "uci/output.h"
 #include "uci/protocol_mode.h"
 
+#include <cstdio>
+#include <cstring>
+
 SearchThread* game_thread = nullptr;
 
-namespace {
+namespace
+{
 
 // The history keeps this many records when a very long game fills it; the
 // draw test never looks further back than the fifty-move counter (a byte).
@@ -23,8 +24,8 @@ constexpr int RECORD_SIZE = 4096;
 struct GameRecord {
     char start_fen[128];
     Move moves[RECORD_SIZE];
-    int count;       // moves played
-    int available;   // moves that can be replayed (count .. available - 1 were taken back)
+    int count;     // moves played
+    int available; // moves that can be replayed (count .. available - 1 were taken back)
 };
 
 GameRecord record;
@@ -44,7 +45,7 @@ void make_recorded(Move move)
     trim_history(game_thread);
 }
 
-}  // namespace
+} // namespace
 
 void send_info(const char* text)
 {
@@ -101,7 +102,10 @@ int jump_to_ply(int ply)
     return record.count;
 }
 
-int game_length() { return record.count; }
+int game_length()
+{
+    return record.count;
+}
 
 int save_game(const char* file)
 {
@@ -124,7 +128,7 @@ int save_game(const char* file)
     for (int i = 0; i < record.count; i++) {
         char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[48];
         move_texts(&scratch->pos, record.moves[i], coord, san, sf, sr);
-        const char* written = san[0] == 'o' ? sf : san;  // castling in capital letters for other programs
+        const char* written = san[0] == 'o' ? sf : san; // castling in capital letters for other programs
         bool white = scratch->pos.side == WHITE;
         if (white)
             column += std::snprintf(text, sizeof text, "%d. %s ", number, written);
@@ -141,7 +145,7 @@ int save_game(const char* file)
         }
         make_move(&scratch->pos, record.moves[i]);
         if (scratch->game_ply >= MAX_GAME_PLY - 1)
-            scratch->game_ply = 0;  // only the position matters here
+            scratch->game_ply = 0; // only the position matters here
     }
     std::fprintf(f, "*\n\n");
     std::fclose(f);

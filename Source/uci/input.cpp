@@ -1,21 +1,21 @@
 #include "uci/input.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <cstring>
-
 #include "uci/console_commands.h"
 #include "uci/protocol_mode.h"
 #include "uci/uci_commands.h"
 
+#include <cstring>
+#include <poll.h>
+#include <unistd.h>
+
 bool quit_requested = false;
 
-namespace {
+namespace
+{
 
 constexpr int READ_SIZE = 4999;
-constexpr int LINE_LIMIT = 4992;   // longer lines lose their tail
-constexpr int QUEUE_SIZE = 16384;  // a few full lines; reads wait while it is full
+constexpr int LINE_LIMIT = 4992;  // longer lines lose their tail
+constexpr int QUEUE_SIZE = 16384; // a few full lines; reads wait while it is full
 
 bool input_initialised = false;
 int input_is_pipe = 0;
@@ -99,7 +99,7 @@ bool take_command(char* out)
     return true;
 }
 
-}  // namespace
+} // namespace
 
 void poll_input()
 {

@@ -1,9 +1,4 @@
 // Korvel: start-up, the command line and shut-down.
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-
 #include "board/fen.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
@@ -24,12 +19,18 @@
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
 
-namespace {
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
 
 enum RunMode {
     RUN_ENGINE = 1,
     RUN_EPD = 2,
-    RUN_SCAN_PGN = 3,  // 3..6 for variants 1..4
+    RUN_SCAN_PGN = 3, // 3..6 for variants 1..4
     RUN_MATCH = 7,
     RUN_BENCH = 8,
     RUN_BENCH2 = 9,
@@ -176,7 +177,7 @@ void run_job()
         break;
     case RUN_MATCH:
     case RUN_MKCONFIG:
-        break;  // accepted words without a job
+        break; // accepted words without a job
     default:
         set_position(&game_thread->pos, START_FEN);
         calibrate_speed();
@@ -187,7 +188,7 @@ void run_job()
     }
 }
 
-}  // namespace
+} // namespace
 
 int main(int argc, char** argv)
 {

@@ -1,9 +1,5 @@
 #include "uci/options.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-
 #include "search/limits.h"
 #include "search/threads.h"
 #include "search/tt.h"
@@ -11,13 +7,18 @@
 #include "uci/output.h"
 #include "uci/settings.h"
 
-namespace {
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
 
 struct SpinOption {
     const char* name;
     int16_t EngineSettings::*field;
-    int min, max;        // accepted by set_option
-    int shown_min;       // shown to the interface
+    int min, max;  // accepted by set_option
+    int shown_min; // shown to the interface
 };
 
 // A ConfigFilePath line inside a configuration file loads another file; this
@@ -60,7 +61,10 @@ const SpinOption* find_spin(const char* name)
     return nullptr;
 }
 
-int clamp(long long v, int lo, int hi) { return v < lo ? lo : v > hi ? hi : int(v); }
+int clamp(long long v, int lo, int hi)
+{
+    return v < lo ? lo : v > hi ? hi : int(v);
+}
 
 void print_spin(const char* name)
 {
@@ -105,10 +109,11 @@ void set_personality(int index, const char* value)
     if (comma && comma[1] && comma[1] != ' ')
         pair[1] = int16_t(clamp(std::strtoll(comma + 1, nullptr, 10), 20, 200));
     char line[256];
-    send_line(format_line(line, sizeof line, "info string %s set to %d,%d", PERSONALITY_NAMES[index], pair[0], pair[1]));
+    send_line(
+        format_line(line, sizeof line, "info string %s set to %d,%d", PERSONALITY_NAMES[index], pair[0], pair[1]));
 }
 
-}  // namespace
+} // namespace
 
 int full_strength_elo()
 {
@@ -223,7 +228,7 @@ int load_config_file()
         size_t len = std::strlen(text);
         if (len <= 3)
             continue;
-        text[len - 1] = 0;  // the line end
+        text[len - 1] = 0; // the line end
         if (len >= 2 && text[len - 2] == '\r')
             text[len - 2] = 0;
         if (char* hash = std::strchr(text, '#'))
@@ -255,8 +260,8 @@ int load_config_file()
 
 void print_search_parameters()
 {
-    static const char* const names[SEARCH_SETTING_COUNT] = {"leading",  "SEP_depth", "SEP_mult", "NMP_depth",
-                                                            "FP_depth", "FP_mult",   "PC_depth", "PC_red",
+    static const char* const names[SEARCH_SETTING_COUNT] = {"leading",   "SEP_depth", "SEP_mult", "NMP_depth",
+                                                            "FP_depth",  "FP_mult",   "PC_depth", "PC_red",
                                                             "PC_margin", "LMP_depth", "LMP_mult", "LMR_depth"};
     char line[256];
     for (int i = 1; i < SEARCH_SETTING_COUNT; i++)

@@ -1,16 +1,16 @@
 #include "uci/output.h"
 
-#include <unistd.h>
+#include "board/notation.h"
+#include "search/search_thread.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <unistd.h>
 
-#include "board/notation.h"
-#include "search/search_thread.h"
-
-namespace {
+namespace
+{
 
 std::mutex output_lock;
 FILE* log_file = nullptr;
@@ -21,7 +21,7 @@ FILE* trace_file = nullptr;
 int16_t trace_last_ply = 0;
 int16_t trace_last_depth = 0;
 
-}  // namespace
+} // namespace
 
 int8_t trace_depth = 0;
 
@@ -70,9 +70,15 @@ void open_log()
     log_file = std::fopen(LOG_FILE_NAME, "w");
 }
 
-void close_log_flag() { log_enabled = false; }
+void close_log_flag()
+{
+    log_enabled = false;
+}
 
-bool log_is_enabled() { return log_enabled; }
+bool log_is_enabled()
+{
+    return log_enabled;
+}
 
 void log_command(const char* line)
 {

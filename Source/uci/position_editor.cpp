@@ -1,8 +1,5 @@
 #include "uci/position_editor.h"
 
-#include <cctype>
-#include <cstring>
-
 #include "board/fen.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
@@ -10,7 +7,11 @@
 #include "uci/game.h"
 #include "uci/output.h"
 
-namespace {
+#include <cctype>
+#include <cstring>
+
+namespace
+{
 
 struct Editor {
     bool active;
@@ -54,9 +55,12 @@ bool square_of(const char* text, int* sq)
     return true;
 }
 
-}  // namespace
+} // namespace
 
-bool position_editor_active() { return editor.active; }
+bool position_editor_active()
+{
+    return editor.active;
+}
 
 void start_position_editor()
 {

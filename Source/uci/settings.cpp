@@ -7,8 +7,9 @@ EngineSettings search_settings;
 double noise = 0.0;
 
 const char* const PERSONALITY_NAMES[PERSONALITY_COUNT] = {
-    "Mtl_Pawn", "Mtl_Knight", "Mtl_Bishop", "Mtl_Rook", "Mtl_Queen", "Activity_Knight", "Activity_Bishop",
-    "Activity_Rook", "Activity_Queen", "Pawn_Structure", "Passed_Pawns", "King_Safety", "Threats"};
+    "Mtl_Pawn",        "Mtl_Knight",      "Mtl_Bishop",    "Mtl_Rook",       "Mtl_Queen",
+    "Activity_Knight", "Activity_Bishop", "Activity_Rook", "Activity_Queen", "Pawn_Structure",
+    "Passed_Pawns",    "King_Safety",     "Threats"};
 
 void set_default_settings()
 {

@@ -5,19 +5,40 @@
 
 #include <cstdint>
 
-constexpr int PATH_SIZE = 144;  // 143 characters and a terminator
+constexpr int PATH_SIZE = 144; // 143 characters and a terminator
 
 enum Personality {
-    WEIGHT_MTL_PAWN, WEIGHT_MTL_KNIGHT, WEIGHT_MTL_BISHOP, WEIGHT_MTL_ROOK, WEIGHT_MTL_QUEEN,
-    WEIGHT_ACTIVITY_KNIGHT, WEIGHT_ACTIVITY_BISHOP, WEIGHT_ACTIVITY_ROOK, WEIGHT_ACTIVITY_QUEEN,
-    WEIGHT_PAWN_STRUCTURE, WEIGHT_PASSED_PAWNS, WEIGHT_KING_SAFETY, WEIGHT_THREATS,
+    WEIGHT_MTL_PAWN,
+    WEIGHT_MTL_KNIGHT,
+    WEIGHT_MTL_BISHOP,
+    WEIGHT_MTL_ROOK,
+    WEIGHT_MTL_QUEEN,
+    WEIGHT_ACTIVITY_KNIGHT,
+    WEIGHT_ACTIVITY_BISHOP,
+    WEIGHT_ACTIVITY_ROOK,
+    WEIGHT_ACTIVITY_QUEEN,
+    WEIGHT_PAWN_STRUCTURE,
+    WEIGHT_PASSED_PAWNS,
+    WEIGHT_KING_SAFETY,
+    WEIGHT_THREATS,
     PERSONALITY_COUNT
 };
 
 // The twelve search depth settings, in record order.
 enum SearchSetting {
-    SS_LEADING, SEP_DEPTH, SEP_MULT, NMP_DEPTH, FP_DEPTH, FP_MULT, PC_DEPTH, PC_RED, PC_MARGIN,
-    LMP_DEPTH, LMP_MULT, LMR_DEPTH, SEARCH_SETTING_COUNT
+    SS_LEADING,
+    SEP_DEPTH,
+    SEP_MULT,
+    NMP_DEPTH,
+    FP_DEPTH,
+    FP_MULT,
+    PC_DEPTH,
+    PC_RED,
+    PC_MARGIN,
+    LMP_DEPTH,
+    LMP_MULT,
+    LMR_DEPTH,
+    SEARCH_SETTING_COUNT
 };
 
 struct EngineSettings {
@@ -28,7 +49,7 @@ struct EngineSettings {
     int16_t ponder;
     int16_t multi_pv;
     int16_t limit_strength;
-    int16_t elo;  // 0 means the full-strength estimate
+    int16_t elo; // 0 means the full-strength estimate
     int16_t log_enabled;
     int16_t own_book;
     int16_t book_variety;
@@ -43,11 +64,11 @@ struct EngineSettings {
     int16_t contempt;
     int16_t selectivity;
     int16_t search[SEARCH_SETTING_COUNT];
-    int16_t personality[PERSONALITY_COUNT][2];  // opening, endgame percentages
+    int16_t personality[PERSONALITY_COUNT][2]; // opening, endgame percentages
 };
 
-extern EngineSettings settings;         // live record
-extern EngineSettings search_settings;  // the search's working copy
+extern EngineSettings settings;        // live record
+extern EngineSettings search_settings; // the search's working copy
 
 // Console "noise" level; 9999 silences the book listing.
 extern double noise;

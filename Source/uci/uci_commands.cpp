@@ -1,9 +1,5 @@
 #include "uci/uci_commands.h"
 
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-
 #include "board/fen.h"
 #include "board/movegen.h"
 #include "search/limits.h"
@@ -19,7 +15,12 @@
 #include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
-namespace {
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace
+{
 
 // Times arrive as milliseconds; anything that is not a sane number is 0.
 double read_seconds(const char* text)
@@ -63,11 +64,20 @@ Move coordinate_move(const char* token)
     Move move = make_move_code(from, to);
     if (len > 4) {
         switch (token[4]) {
-        case 'q': move |= PROMO_QUEEN; break;
-        case 'n': move |= PROMO_KNIGHT; break;
-        case 'b': move |= PROMO_BISHOP; break;
-        case 'r': move |= PROMO_ROOK; break;
-        default: break;
+        case 'q':
+            move |= PROMO_QUEEN;
+            break;
+        case 'n':
+            move |= PROMO_KNIGHT;
+            break;
+        case 'b':
+            move |= PROMO_BISHOP;
+            break;
+        case 'r':
+            move |= PROMO_ROOK;
+            break;
+        default:
+            break;
         }
     }
     return move;
@@ -128,7 +138,7 @@ void new_game_command()
         tt_clear();
 }
 
-}  // namespace
+} // namespace
 
 void reset_game_limits()
 {
@@ -244,7 +254,7 @@ void handle_uci_command(char* line)
     }
     word[n] = 0;
     char* args = line + n;
-    while (*args && *args != ' ')  // a word longer than the buffer
+    while (*args && *args != ' ') // a word longer than the buffer
         args++;
     if (*args)
         args++;

@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <random>
-
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <gtest/gtest.h>
+#include <random>
+
+namespace
+{
 
 Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
 {
@@ -25,7 +25,7 @@ Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
     return att;
 }
 
-}  // namespace
+} // namespace
 
 TEST(Attacks, SlidersMatchASquareBySquareWalk)
 {
@@ -50,8 +50,8 @@ TEST(Attacks, SlidersMatchASquareBySquareWalk)
 TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
 {
     EXPECT_EQ(BETWEEN[0][63], 0x0040201008040200ULL);
-    EXPECT_EQ(BETWEEN[0][1], 0ULL);      // neighbours
-    EXPECT_EQ(BETWEEN[0][17], 0ULL);     // a knight's step apart
+    EXPECT_EQ(BETWEEN[0][1], 0ULL);  // neighbours
+    EXPECT_EQ(BETWEEN[0][17], 0ULL); // a knight's step apart
     EXPECT_EQ(BETWEEN[4][60], BETWEEN[60][4]);
     EXPECT_EQ(popcount(BETWEEN[4][60]), 6);
 }
@@ -62,7 +62,7 @@ TEST(Attacks, AttackerQueriesFollowTheirOrder)
     // Pawn on d4 and knight on b3 both attack c5... from White: pawn b4 and knight a4.
     set_test_position(t, "4k3/8/8/2p5/NP6/8/8/4K3 w - -");
     int c5 = make_square(2, 4);
-    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3));  // the pawn, not the knight
+    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3)); // the pawn, not the knight
     EXPECT_EQ(find_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3));
     EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos) & ~bit(make_square(1, 3))), make_square(0, 3));
     EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, 0), NO_SQUARE);

@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <sstream>
-
 #include "board/epd.h"
 #include "board/fen.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace
+{
 
 std::string first_fields(const std::string& fen, int n = 4)
 {
@@ -18,7 +18,7 @@ std::string first_fields(const std::string& fen, int n = 4)
     return out;
 }
 
-}  // namespace
+} // namespace
 
 TEST(Fen, WriterGivesTheFourFieldsBack)
 {
@@ -64,13 +64,13 @@ TEST(Fen, UnplayablePositionsAreNamed)
         bool ok;
     } cases[] = {
         {"4k3/8/8/8/8/8/8/4K3 w - -", true},
-        {"8/8/8/8/8/8/8/4K3 w - -", false},                // no black king
-        {"4k3/8/8/8/8/8/8/3KK3 w - -", false},             // two white kings
-        {"4k3/8/8/8/8/8/4Q3/4K3 w - -", false},            // black, not to move, is in check
+        {"8/8/8/8/8/8/8/4K3 w - -", false},     // no black king
+        {"4k3/8/8/8/8/8/8/3KK3 w - -", false},  // two white kings
+        {"4k3/8/8/8/8/8/4Q3/4K3 w - -", false}, // black, not to move, is in check
         {"4k3/8/8/8/8/8/4Q3/4K3 b - -", true},
-        {"P3k3/8/8/8/8/8/8/4K3 w - -", false},             // pawn on the last rank
-        {"4k3/8/8/8/8/8/8/4K3 w - e6", false},             // no pawn behind the en-passant square
-        {"QQQQkQQQ/QQQQQQQQ/8/8/8/8/8/4K3 b - -", false},  // impossible material
+        {"P3k3/8/8/8/8/8/8/4K3 w - -", false},            // pawn on the last rank
+        {"4k3/8/8/8/8/8/8/4K3 w - e6", false},            // no pawn behind the en-passant square
+        {"QQQQkQQQ/QQQQQQQQ/8/8/8/8/8/4K3 b - -", false}, // impossible material
     };
     for (const Case& c : cases) {
         read_fen(&t->pos, c.fen);

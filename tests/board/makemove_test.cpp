@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/position_check.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace
+{
 
 struct Snapshot {
     Position pos;
@@ -15,7 +15,10 @@ struct Snapshot {
     uint16_t last_move;
 };
 
-Snapshot snap(const SearchThread* t) { return {t->pos, t->game_ply, t->search_ply, t->last_move}; }
+Snapshot snap(const SearchThread* t)
+{
+    return {t->pos, t->game_ply, t->search_ply, t->last_move};
+}
 
 void expect_same(const Snapshot& a, const Snapshot& b, const std::string& where)
 {
@@ -50,7 +53,7 @@ void walk(SearchThread* t, int depth, const std::string& fen)
     expect_same(before, snap(t), fen + " null move");
 }
 
-}  // namespace
+} // namespace
 
 TEST(MakeMove, RoundTripRestoresEveryFieldAndKeysStayExact)
 {
@@ -68,7 +71,7 @@ TEST(MakeMove, KeysAndSummariesFollowSpecialMoves)
     set_test_position(t, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
     EXPECT_EQ(t->pos.key & 1, 0u);
     uint64_t before = t->pos.key;
-    make_move(&t->pos, make_move_code(make_square(0, 1), make_square(0, 3)));  // a2a4: nobody can take en passant
+    make_move(&t->pos, make_move_code(make_square(0, 1), make_square(0, 3))); // a2a4: nobody can take en passant
     EXPECT_EQ(t->pos.key & 1, 1u);
     EXPECT_EQ(t->pos.ep_square, make_square(0, 2));
     EXPECT_NE(t->pos.key, before);

@@ -1,12 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "board/movegen.h"
 #include "board/zobrist.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace
+{
 
 std::vector<Move> moves_of(MoveEntry* begin, MoveEntry* end)
 {
@@ -18,10 +18,11 @@ std::vector<Move> moves_of(MoveEntry* begin, MoveEntry* end)
 
 Move mv(const char* from, const char* to, Move flags = 0)
 {
-    return Move(make_move_code(make_square(from[0] - 'a', from[1] - '1'), make_square(to[0] - 'a', to[1] - '1')) | flags);
+    return Move(make_move_code(make_square(from[0] - 'a', from[1] - '1'), make_square(to[0] - 'a', to[1] - '1'))
+                | flags);
 }
 
-}  // namespace
+} // namespace
 
 TEST(MoveGen, GenerationOrderAndPromotions)
 {
@@ -35,8 +36,9 @@ TEST(MoveGen, GenerationOrderAndPromotions)
     for (MoveEntry* e = list; e != end; e++)
         EXPECT_NE(piece_type(e->piece), PAWN);
     end = gen_promotions(&t->pos, WHITE, true, list);
-    std::vector<Move> expected = {mv("b7", "b8", PROMO_QUEEN), mv("b7", "b8", PROMO_KNIGHT), mv("b7", "b8", PROMO_BISHOP),
-                                  mv("b7", "b8", PROMO_ROOK),  mv("b7", "a8", PROMO_QUEEN),  mv("b7", "a8", PROMO_KNIGHT),
+    std::vector<Move> expected = {mv("b7", "b8", PROMO_QUEEN),  mv("b7", "b8", PROMO_KNIGHT),
+                                  mv("b7", "b8", PROMO_BISHOP), mv("b7", "b8", PROMO_ROOK),
+                                  mv("b7", "a8", PROMO_QUEEN),  mv("b7", "a8", PROMO_KNIGHT),
                                   mv("b7", "a8", PROMO_BISHOP), mv("b7", "a8", PROMO_ROOK)};
     EXPECT_EQ(moves_of(list, end), expected);
     EXPECT_EQ(gen_promotions(&t->pos, WHITE, false, list) - list, 2);
@@ -100,16 +102,16 @@ TEST(MoveGen, PseudoLegalityOfStoredMoves)
     EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e7", "e5")));
     EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "e5")));
     EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "e4", PROMO_QUEEN)));
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("c1", "e3")));  // blocked bishop
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "d3")));  // pawn diagonal to an empty square
+    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("c1", "e3"))); // blocked bishop
+    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "d3"))); // pawn diagonal to an empty square
     set_test_position(t, "8/4P3/8/8/8/8/k7/4K3 w - -");
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e7", "e8")));  // never generated without a flag
+    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e7", "e8"))); // never generated without a flag
     free_test_thread(t);
 }
 
 TEST(Zobrist, KeysAreFixedAndWellSpread)
 {
-    free_test_thread(new_test_thread());  // makes the keys once
+    free_test_thread(new_test_thread()); // makes the keys once
     uint64_t first = ZOBRIST[0], last = ZOBRIST[1023];
     EXPECT_EQ(init_zobrist(), 0);
     EXPECT_EQ(first, ZOBRIST[0]);

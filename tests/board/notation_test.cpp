@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-
 #include "board/fen.h"
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "support/test_positions.h"
 #include "uci/protocol_mode.h"
 
-namespace {
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace
+{
 
 Move parse(const Position* pos, const char* text)
 {
@@ -16,7 +16,7 @@ Move parse(const Position* pos, const char* text)
     return parse_move(pos, text, &m) ? m : Move(0);
 }
 
-}  // namespace
+} // namespace
 
 // Every legal move of the data positions reads back from its own texts. The
 // plain SAN form may only fail where the deliberate simplification leaves it
@@ -48,7 +48,7 @@ TEST(Notation, EveryMoveReadsBackFromItsTexts)
             ambiguous++;
         }
     }
-    EXPECT_GT(ambiguous, 0);  // the data holds such cases
+    EXPECT_GT(ambiguous, 0); // the data holds such cases
     free_test_thread(t);
 }
 
@@ -58,7 +58,7 @@ TEST(Notation, FormsOfOneMove)
     set_test_position(t, "4k3/4P3/8/8/8/8/8/4K3 w - -");
     Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_QUEEN);
     for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q"})
-        EXPECT_EQ(parse(&t->pos, text), 0) << text;  // e8 is occupied by the king: no such move
+        EXPECT_EQ(parse(&t->pos, text), 0) << text; // e8 is occupied by the king: no such move
     set_test_position(t, "7k/4P3/8/8/8/8/8/4K3 w - -");
     for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q", "e8=Q+"})
         EXPECT_EQ(parse(&t->pos, text), promo) << text;

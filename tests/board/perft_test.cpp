@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "board/perft.h"
 #include "support/test_positions.h"
+
+#include <gtest/gtest.h>
 
 // Every data position to the deepest depth whose count stays within 5 million;
 // deeper counts run in the benchmarks.

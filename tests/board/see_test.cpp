@@ -1,13 +1,17 @@
-#include <gtest/gtest.h>
-
 #include "board/see.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <gtest/gtest.h>
 
-int sq(const char* name) { return make_square(name[0] - 'a', name[1] - '1'); }
+namespace
+{
 
-}  // namespace
+int sq(const char* name)
+{
+    return make_square(name[0] - 'a', name[1] - '1');
+}
+
+} // namespace
 
 TEST(Swap, ExchangeSequences)
 {

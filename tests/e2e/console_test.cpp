@@ -1,10 +1,9 @@
 // The console dialect, typed by a person (switch -c).
-#include <gtest/gtest.h>
+#include "support/engine_process.h"
 
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
-
-#include "support/engine_process.h"
 
 TEST(Console, SettingsWords)
 {
@@ -36,7 +35,7 @@ TEST(Console, GameWordsAndEngineMoves)
     e.send_line("save");
     e.send_line("jump 2");
     EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6"), "");
-    e.send_line("jump 4");  // forward again over the moves taken back
+    e.send_line("jump 4"); // forward again over the moves taken back
     EXPECT_NE(e.wait_for("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -"), "");
     e.send_line("undo");
     EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -"), "");

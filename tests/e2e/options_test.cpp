@@ -1,11 +1,11 @@
 // Options, configuration files and command-line switches, from outside.
-#include <gtest/gtest.h>
-
-#include <fstream>
-
 #include "support/engine_process.h"
 
-namespace {
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace
+{
 
 std::vector<std::string> uci_answer(EngineProcess& e)
 {
@@ -34,7 +34,7 @@ std::string reply(EngineProcess& e, const std::string& command, const std::strin
     return "";
 }
 
-}  // namespace
+} // namespace
 
 TEST(Options, TheUciAnswerInOrder)
 {
@@ -61,13 +61,14 @@ TEST(Options, TheUciAnswerInOrder)
         "option name MultiPV type spin default 1 min 1 max 255",
         "option name MoveOverhead type spin default 50 min 0 max 5000",
         "option name UCI_LimitStrength type check default false",
-        "",  // UCI_Elo: the machine's own estimate, checked below
+        "", // UCI_Elo: the machine's own estimate, checked below
         "option name Contempt type spin default 0 min -150 max 150",
         "option name Selectivity type spin default 100 min 0 max 200",
     };
-    const char* weights[13] = {"Mtl_Pawn",        "Mtl_Knight",      "Mtl_Bishop",    "Mtl_Rook",       "Mtl_Queen",
-                               "Activity_Knight", "Activity_Bishop", "Activity_Rook", "Activity_Queen", "Pawn_Structure",
-                               "Passed_Pawns",    "King_Safety",     "Threats"};
+    const char* weights[13] = {"Mtl_Pawn",       "Mtl_Knight",      "Mtl_Bishop",      "Mtl_Rook",
+                               "Mtl_Queen",      "Activity_Knight", "Activity_Bishop", "Activity_Rook",
+                               "Activity_Queen", "Pawn_Structure",  "Passed_Pawns",    "King_Safety",
+                               "Threats"};
     for (const char* w : weights)
         expected.push_back(std::string("option name ") + w + " type string default 100,100");
     expected.push_back("uciok");
@@ -75,7 +76,8 @@ TEST(Options, TheUciAnswerInOrder)
     for (size_t i = 0; i < a.size(); i++) {
         if (expected[i].empty()) {
             int elo = 0, max = 0;
-            ASSERT_EQ(std::sscanf(a[i].c_str(), "option name UCI_Elo type spin default %d min 1500 max %d", &elo, &max), 2)
+            ASSERT_EQ(std::sscanf(a[i].c_str(), "option name UCI_Elo type spin default %d min 1500 max %d", &elo, &max),
+                      2)
                 << a[i];
             EXPECT_EQ(elo, max);
             EXPECT_GE(max, 1500);
@@ -100,10 +102,11 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_EQ(reply(e, "setoption name Threads value 0"), "info string Threads set to 0");
     EXPECT_EQ(reply(e, "setoption name UCI_Elo value 100"), "info string UCI_Elo set to 1500");
     EXPECT_EQ(reply(e, "setoption name Clear_Hash value x"), "info string Hash table cleared");
-    EXPECT_EQ(reply(e, "setoption name OwnBook_File value my book.bin"), "info string OwnBook_File set to 'my book.bin'");
-    EXPECT_EQ(reply(e, "setoption name Hash"), "");           // without "value" nothing is set
+    EXPECT_EQ(reply(e, "setoption name OwnBook_File value my book.bin"),
+              "info string OwnBook_File set to 'my book.bin'");
+    EXPECT_EQ(reply(e, "setoption name Hash"), ""); // without "value" nothing is set
     EXPECT_EQ(reply(e, "setoption name Clear_Hash"), "");
-    EXPECT_EQ(reply(e, "setoption name hash value 3"), "");   // names are exact
+    EXPECT_EQ(reply(e, "setoption name hash value 3"), ""); // names are exact
     EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
     // The engine still plays after all that.
     e.send_line("position startpos");
@@ -121,7 +124,7 @@ TEST(Options, ConfigurationFiles)
         cfg << "# a comment\n";
         cfg << "Hash = 8\n";
         cfg << "Contempt=12   # trailing comment\n";
-        cfg << "   MultiPV = 3\n";  // leading blanks: no such option
+        cfg << "   MultiPV = 3\n"; // leading blanks: no such option
         cfg << "Mtl_Pawn = 110,90\n";
         cfg << "x\n";
     }
@@ -144,7 +147,7 @@ TEST(Options, ConfigurationFiles)
     {
         std::ofstream cfg(dir + "/second.cfg");
         cfg << "Selectivity = 150\n";
-        cfg << "ConfigFilePath = " + dir + "/second.cfg\n";  // names itself: loaded again, then no further
+        cfg << "ConfigFilePath = " + dir + "/second.cfg\n"; // names itself: loaded again, then no further
     }
     e.send_line("setoption name ConfigFilePath value " + dir + "/second.cfg");
     EXPECT_NE(e.wait_for("info string ConfigFilePath set to '" + dir + "/second.cfg'"), "");

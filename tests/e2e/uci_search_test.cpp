@@ -1,20 +1,20 @@
 // Searches driven over pipes the way an interface drives them.
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <sstream>
-
+#include "board/attack_queries.h"
+#include "board/draw.h"
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/notation.h"
-#include "board/draw.h"
-#include "board/attack_queries.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 #include "uci/protocol_mode.h"
 
-namespace {
+#include <chrono>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace
+{
 
 long long value_after(const std::string& line, const std::string& word)
 {
@@ -49,7 +49,7 @@ struct Uci {
     }
 };
 
-}  // namespace
+} // namespace
 
 TEST(UciSearch, LimitsAreHonoured)
 {
@@ -62,7 +62,7 @@ TEST(UciSearch, LimitsAreHonoured)
     EXPECT_NE(u.go("startpos moves e2e4", "nodes 20000", &seen), "");
     long long nodes = value_after(last_info(seen), "nodes");
     EXPECT_GT(nodes, 0);
-    EXPECT_LT(nodes, 20000 * 104 / 100 + 5000);  // jittered limit, checked once per node
+    EXPECT_LT(nodes, 20000 * 104 / 100 + 5000); // jittered limit, checked once per node
 
     seen.clear();
     EXPECT_NE(u.go("startpos", "movetime 300", &seen), "");
@@ -91,7 +91,7 @@ TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
     EXPECT_NE(u.e.wait_for("bestmove", 5000), "");
     double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     RecordProperty("stop_to_bestmove_ms", int(ms));
-    EXPECT_LT(ms, 2000);  // a hang guard, not a speed test
+    EXPECT_LT(ms, 2000); // a hang guard, not a speed test
 
     // A ponder search that ends on its own (mate in one) waits for ponderhit.
     u.e.send_line("position fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1");
@@ -131,8 +131,8 @@ TEST(UciSearch, SelfPlayGameStaysLegal)
             if (gen_legal(&t->pos, list) == 0 || is_draw(&t->pos, 0))
                 break;
             std::string line = u.go("startpos" + (moves.empty() ? "" : " moves" + moves),
-                                    "wtime " + std::to_string(int(wtime)) + " btime " + std::to_string(int(btime)) +
-                                        " winc 10 binc 10");
+                                    "wtime " + std::to_string(int(wtime)) + " btime " + std::to_string(int(btime))
+                                        + " winc 10 binc 10");
             ASSERT_EQ(line.rfind("bestmove ", 0), 0u) << moves;
             std::string move = line.substr(9, line.find(' ', 9) - 9);
             Move m = 0;

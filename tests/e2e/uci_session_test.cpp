@@ -1,13 +1,11 @@
 // The engine binary over pipes, as an interface drives it.
-#include <gtest/gtest.h>
+#include "support/engine_process.h"
 
 #include <fstream>
+#include <gtest/gtest.h>
 #include <random>
 #include <sstream>
-
 #include <sys/stat.h>
-
-#include "support/engine_process.h"
 
 TEST(UciSession, HandshakeReadyAndQuit)
 {
@@ -27,11 +25,11 @@ TEST(UciSession, HandshakeReadyAndQuit)
 TEST(UciSession, LinesAreFramedWhateverTheWrites)
 {
     EngineProcess e;
-    e.send("isready\nisready\n");  // two commands in one write
+    e.send("isready\nisready\n"); // two commands in one write
     EXPECT_EQ(e.wait_for("readyok"), "readyok");
     EXPECT_EQ(e.wait_for("readyok"), "readyok");
 
-    e.send("isre");  // one command split across two writes
+    e.send("isre"); // one command split across two writes
     std::string line;
     EXPECT_FALSE(e.read_line(&line, 300)) << line;
     e.send("ady\r\n");
@@ -52,7 +50,7 @@ TEST(UciSession, LinesAreFramedWhateverTheWrites)
 TEST(UciSession, EndOfInputActsAsQuit)
 {
     EngineProcess e;
-    e.send("isready");  // no line end before the input closes
+    e.send("isready"); // no line end before the input closes
     e.close_input();
     EXPECT_EQ(e.wait_for("readyok"), "readyok");
     EXPECT_EQ(e.wait_exit(), 0);
@@ -100,9 +98,9 @@ TEST(ConsoleSession, PerftAndMoves)
     EXPECT_NE(e.wait_for("rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"), "");
     e.send_line("Ke7x");
     EXPECT_EQ(e.wait_for("can't"), "can't parse move 'Ke7x'");
-    e.send_line("uci");  // switches to UCI for good
+    e.send_line("uci"); // switches to UCI for good
     EXPECT_EQ(e.wait_for("uciok"), "uciok");
-    e.send_line("perft 3");  // a console word is now ignored
+    e.send_line("perft 3"); // a console word is now ignored
     e.send_line("isready");
     std::vector<std::string> seen;
     EXPECT_EQ(e.wait_for("readyok", 10000, &seen), "readyok");

@@ -1,17 +1,18 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "board/fen.h"
 #include "eval/eval_tables.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <cmath>
+#include <gtest/gtest.h>
 
-class Evaluation : public ::testing::Test {
-protected:
+namespace
+{
+
+class Evaluation : public ::testing::Test
+{
+  protected:
     void SetUp() override
     {
         t = new_test_thread();
@@ -34,24 +35,24 @@ protected:
     SearchThread* t = nullptr;
 };
 
-}  // namespace
+} // namespace
 
 TEST_F(Evaluation, SpecialEndings)
 {
     EXPECT_EQ(eval("4k3/8/8/8/8/8/8/1NN1K3 w - -"), 0);  // two knights
-    EXPECT_EQ(eval("4k3/8/8/3n4/8/8/8/2B1K3 b - -"), 0);  // bishop against knight
+    EXPECT_EQ(eval("4k3/8/8/3n4/8/8/8/2B1K3 b - -"), 0); // bishop against knight
     // Rook against bare king: weak king in the corner, kings two apart.
     EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R w - -"), 788);
     EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R b - -"), -788);
     // Knight and dark-squared bishop: the weak king in the dark corner a1.
-    int strong_king = make_square(2, 2);  // c3
+    int strong_king = make_square(2, 2); // c3
     EXPECT_EQ(eval("8/8/8/8/8/2K5/8/k1BN4 w - -"), 740 + 8 * 7 + 10 * center_10(strong_king) - 6 * 2);
     // King and pawn: a won and a drawn case keep their sign and size apart.
-    int draw = eval("4k3/8/4P3/4K3/8/8/8/8 w - -");  // White to move only stalemates
-    int win = eval("8/8/8/8/8/4K3/4P3/2k5 w - -");   // king in front of its pawn
+    int draw = eval("4k3/8/4P3/4K3/8/8/8/8 w - -"); // White to move only stalemates
+    int win = eval("8/8/8/8/8/4K3/4P3/2k5 w - -");  // king in front of its pawn
     EXPECT_GE(draw, 0);
     EXPECT_LT(draw, 50);
-    EXPECT_LT(eval("4k3/8/4P3/4K3/8/8/8/8 b - -"), 50);  // ...Ke7 holds with Black to move too
+    EXPECT_LT(eval("4k3/8/4P3/4K3/8/8/8/8 b - -"), 50); // ...Ke7 holds with Black to move too
     // King in front on the sixth wins whoever moves; the pawn's side is on the minus side when not to move.
     EXPECT_EQ(eval("4k3/8/4K3/4P3/8/8/8/8 b - -"), -(800 + 25 * 4 - 3 * 1 + 3 * 3));
     EXPECT_GT(win, 700);
@@ -60,10 +61,10 @@ TEST_F(Evaluation, SpecialEndings)
 
 TEST_F(Evaluation, PhaseAtTheFullMaterialEdge)
 {
-    eval("r2qk2r/8/8/8/8/8/PPPPPPPP/R2QK2R w - -");  // not relevant: warm up
-    eval("rq2k1qr/pppppp2/8/8/8/8/PPPPPPPP/RNBQKBNR w - -");  // 32 + 30 = 62 units
+    eval("r2qk2r/8/8/8/8/8/PPPPPPPP/R2QK2R w - -");          // not relevant: warm up
+    eval("rq2k1qr/pppppp2/8/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 30 = 62 units
     EXPECT_NEAR(last_eval_phase(), 0.008, 1e-12);
-    eval("r2qk1rr/ppppppp1/2bb4/8/8/8/PPPPPPPP/RNBQKBNR w - -");  // 32 + 31
+    eval("r2qk1rr/ppppppp1/2bb4/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 31
     EXPECT_EQ(last_eval_phase(), 0.0);
 }
 
@@ -75,12 +76,12 @@ TEST_F(Evaluation, TraceLayoutAndScaleFactors)
     EXPECT_EQ(text.find("hung pieces on: "), std::string::npos);
     EXPECT_EQ(text.rfind("           white  black    pos    mtl\n", 0), 0u);
     EXPECT_EQ(text.substr(text.size() - 2), "\n\n");
-    EXPECT_EQ(text.find("mtl_pawn"), std::string::npos);  // level 1 stops after the score line
+    EXPECT_EQ(text.find("mtl_pawn"), std::string::npos); // level 1 stops after the score line
 
     text = trace("4k3/8/8/3n4/8/8/8/3RK3 w - -");
     EXPECT_NE(text.find("hung pieces on:  d5\n"), std::string::npos) << text;
 
-    text = trace("4k3/8/8/8/8/8/8/3RK3 w - -", 2);  // special ending: just the score line
+    text = trace("4k3/8/8/8/8/8/8/3RK3 w - -", 2); // special ending: just the score line
     text = trace("r3k3/8/8/8/8/8/8/R3K3 w - -", 2);
     EXPECT_NE(text.find("mtl_rook                 498 ,  729\n"), std::string::npos);
     EXPECT_NE(text.find("Connected Pawn\n"), std::string::npos);
@@ -91,7 +92,7 @@ TEST_F(Evaluation, TraceLayoutAndScaleFactors)
     std::string black = trace("4k3/8/8/8/3P4/8/8/R3K3 b - -");
     int w = std::atoi(white.substr(white.find("eval= ") + 6).c_str());
     int b = std::atoi(black.substr(black.find("eval= ") + 6).c_str());
-    int stm = 2 * opening_of(param_score[STM_BONUS]);  // both see the bonus for themselves
+    int stm = 2 * opening_of(param_score[STM_BONUS]); // both see the bonus for themselves
     EXPECT_NEAR(w + b, 0, stm + 2);
 }
 
@@ -102,7 +103,7 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
     uint64_t hits = t->eval_hits;
     EXPECT_EQ(eval(fen, 2), fresh);
     EXPECT_EQ(t->eval_hits, hits + 1);
-    EXPECT_EQ(eval(fen, 1), fresh);  // evaluated afresh at plies 0 and 1
+    EXPECT_EQ(eval(fen, 1), fresh); // evaluated afresh at plies 0 and 1
     EXPECT_EQ(t->eval_hits, hits + 1);
 
     // Same pawns, kings on the four wing combinations: the cache keeps them apart.
@@ -117,7 +118,7 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
     for (int i = 0; i < 4; i++)
         eval(fens[i], 2);
     for (int i = 0; i < 4; i++) {
-        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;  // force the pawn cache path
+        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0; // force the pawn cache path
         set_test_position(t, fens[i]);
         t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
         uint64_t pawn_hits = t->pawn_hits;

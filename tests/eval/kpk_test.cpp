@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <vector>
-
 #include "board/attack_queries.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
@@ -10,14 +5,19 @@
 #include "eval/kpk.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <cstring>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace
+{
 
 // An independent solver over real positions with the ordinary move
 // generator: every promotion piece is tried, and a position without the pawn
 // is judged from the material left.
 struct Solver {
     SearchThread* t;
-    std::vector<int8_t> result;  // -1 unknown, 0 draw, 1 win, 2 not a position
+    std::vector<int8_t> result; // -1 unknown, 0 draw, 1 win, 2 not a position
     static int index(int stm, int wk, int bk, int pawn) { return ((pawn * 64 + wk) * 64 + bk) * 2 + stm; }
 
     bool setup(int stm, int wk, int bk, int pawn)
@@ -83,10 +83,13 @@ struct Solver {
                                 make_move(&t->pos, list[i].move);
                                 int child;
                                 if (!t->pos.pieces[WHITE][PAWN]) {
-                                    child = t->pos.pieces[WHITE][0] == t->pos.pieces[WHITE][KING] ? 0 : judge_without_pawn();
+                                    child = t->pos.pieces[WHITE][0] == t->pos.pieces[WHITE][KING]
+                                                ? 0
+                                                : judge_without_pawn();
                                 } else {
                                     int p2 = lsb(t->pos.pieces[WHITE][PAWN]);
-                                    child = result[index(stm ^ 1, t->pos.king_square[WHITE], t->pos.king_square[BLACK], p2)];
+                                    child = result[index(stm ^ 1, t->pos.king_square[WHITE], t->pos.king_square[BLACK],
+                                                         p2)];
                                 }
                                 unmake_move(&t->pos);
                                 any_win |= child == 1;
@@ -109,7 +112,7 @@ struct Solver {
     }
 };
 
-}  // namespace
+} // namespace
 
 TEST(Kpk, AgreesWithAnExhaustiveSolver)
 {

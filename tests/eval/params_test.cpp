@@ -1,14 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
-#include <fstream>
-
 #include "eval/params.h"
 #include "support/engine_process.h"
 #include "uci/settings.h"
 
-namespace {
+#include <fstream>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace
+{
 
 void reset_weights()
 {
@@ -16,7 +15,7 @@ void reset_weights()
         pair[0] = pair[1] = 100;
 }
 
-}  // namespace
+} // namespace
 
 TEST(Params, DefaultsAndPersonality)
 {
@@ -30,7 +29,7 @@ TEST(Params, DefaultsAndPersonality)
     settings.personality[WEIGHT_ACTIVITY_KNIGHT][0] = 200;
     init_eval_params(0);
     EXPECT_EQ(opening_of(param_table[KNIGHT_MOBILITY].score), 102);
-    EXPECT_EQ(opening_of(param_table[KNIGHT_OUTPOST_ATK].score), 64);  // matched by two patterns
+    EXPECT_EQ(opening_of(param_table[KNIGHT_OUTPOST_ATK].score), 64); // matched by two patterns
     EXPECT_EQ(endgame_of(param_table[KNIGHT_MOBILITY].score), 47);
     EXPECT_EQ(opening_of(param_table[PST_N1 + 56].score), -144);
     EXPECT_EQ(opening_of(param_table[BISHOP_PAIR].score), 29);
@@ -44,7 +43,7 @@ TEST(Params, DefaultsAndPersonality)
     EXPECT_EQ(endgame_of(param_table[ROOK_MOB2].score), 3);
     reset_weights();
 
-    init_eval_params(1);  // rows laid down only
+    init_eval_params(1); // rows laid down only
     EXPECT_EQ(param_table[MTL_ROOK].score, 0);
     init_eval_params(0);
 }

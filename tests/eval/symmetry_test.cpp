@@ -1,15 +1,15 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cctype>
-#include <sstream>
-
 #include "board/fen.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <algorithm>
+#include <cctype>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace
+{
 
 std::vector<std::string> fields_of(const std::string& fen)
 {
@@ -69,7 +69,7 @@ int eval_of(SearchThread* t, const std::string& fen)
     return evaluate(t, t->pos.side, 0, 0, 0);
 }
 
-}  // namespace
+} // namespace
 
 // An asymmetric term is a bug: a position and its colour-flipped twin must
 // evaluate alike from the side to move, and so must a position without

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "search/iterate.h"
 #include "search/search_params.h"
 #include "uci/settings.h"
+
+#include <gtest/gtest.h>
 
 TEST(SearchParams, SelectivityShapesEveryDevice)
 {
@@ -14,10 +14,10 @@ TEST(SearchParams, SelectivityShapesEveryDevice)
     EXPECT_EQ(p.sep_margin[3], 225);
     EXPECT_EQ(p.lmp_count[4], 9);
     EXPECT_EQ(p.lmr_pv[2][20], 0);
-    EXPECT_EQ(p.lmr_nonpv[3][0], 1);   // round(min(2, 0.6))
+    EXPECT_EQ(p.lmr_nonpv[3][0], 1); // round(min(2, 0.6))
     EXPECT_EQ(p.lmr_nonpv[31][31], 5);
     EXPECT_EQ(p.lmr_pv[31][31], 4);
-    EXPECT_EQ(p.lmr_pv[10][3], 1);     // 0.44 ln10 ln4 - 0.6 = 0.80
+    EXPECT_EQ(p.lmr_pv[10][3], 1); // 0.44 ln10 ln4 - 0.6 = 0.80
 
     search_settings.selectivity = 50;
     build_search_params();

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "board/notation.h"
 #include "search/limits.h"
 #include "search/search_params.h"
@@ -8,7 +6,10 @@
 #include "support/search_harness.h"
 #include "uci/settings.h"
 
-namespace {
+#include <gtest/gtest.h>
+
+namespace
+{
 
 std::string text_of(Move m)
 {
@@ -17,14 +18,14 @@ std::string text_of(Move m)
     return text;
 }
 
-}  // namespace
+} // namespace
 
 TEST(Search, MatesAreFoundWithTheirDistance)
 {
     harness_start();
     SearchOutcome r = harness_search("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - -", 6);
     EXPECT_EQ(text_of(r.best), "a1a8");
-    EXPECT_EQ(r.score, 9998);  // mated at ply 2 of a search whose root is ply 1
+    EXPECT_EQ(r.score, 9998); // mated at ply 2 of a search whose root is ply 1
     r = harness_search("r2qkb1r/pp2nppp/3p4/2pNN1B1/2BnP3/3P4/PPP2PPP/R2bK2R w KQkq -", 8);
     EXPECT_EQ(text_of(r.best), "d5f6");
     EXPECT_EQ(r.score, 9996);

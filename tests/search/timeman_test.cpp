@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "board/fen.h"
 #include "search/limits.h"
 #include "search/timeman.h"
@@ -7,10 +5,14 @@
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
 
-namespace {
+#include <gtest/gtest.h>
 
-class TimeManagement : public ::testing::Test {
-protected:
+namespace
+{
+
+class TimeManagement : public ::testing::Test
+{
+  protected:
     void SetUp() override
     {
         saved_ = game_thread;
@@ -33,25 +35,25 @@ protected:
     SearchThread* saved_ = nullptr;
 };
 
-}  // namespace
+} // namespace
 
 TEST_F(TimeManagement, TargetTimes)
 {
     limits.white_time = 60.0;
     limits.increment = 0;
     prepare_search();
-    EXPECT_NEAR(limits.target_time, 60.0 / 33, 1e-9);  // ply 0: 32 moves to go, divisor 33
+    EXPECT_NEAR(limits.target_time, 60.0 / 33, 1e-9); // ply 0: 32 moves to go, divisor 33
 
     limits.increment = 1.0;
     prepare_search();
     EXPECT_NEAR(limits.target_time, 60.0 / 33 + 1.0 * 60 / 62, 1e-9);
 
-    search_settings.ponder = 1;  // pondering buys 30 per cent more
+    search_settings.ponder = 1; // pondering buys 30 per cent more
     prepare_search();
     EXPECT_NEAR(limits.target_time, 60.0 / 33 * 1.3 + 1.0 * 60 / 62, 1e-9);
     search_settings.ponder = 0;
 
-    limits.white_time = 0.1;  // the floor: 2 ms
+    limits.white_time = 0.1; // the floor: 2 ms
     limits.increment = 0;
     prepare_search();
     EXPECT_EQ(limits.target_time, 0.002);
@@ -78,7 +80,7 @@ TEST_F(TimeManagement, StopTests)
     double t = limits.target_time, o = 0.025;
     EXPECT_FALSE(time_is_up(t - o - 0.01, 5));
     EXPECT_TRUE(time_is_up(t - o, 5));
-    EXPECT_FALSE(time_is_up(t, 1));  // the first iteration always finishes
+    EXPECT_FALSE(time_is_up(t, 1)); // the first iteration always finishes
 
     // A failed-low root line gets a quarter of the remaining time more.
     limits.root_line_state = 1;

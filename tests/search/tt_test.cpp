@@ -1,15 +1,16 @@
-#include <gtest/gtest.h>
-
-#include <random>
-
 #include "board/fen.h"
 #include "search/tt.h"
 #include "support/test_positions.h"
 
-namespace {
+#include <gtest/gtest.h>
+#include <random>
 
-class TransTableTest : public ::testing::Test {
-protected:
+namespace
+{
+
+class TransTableTest : public ::testing::Test
+{
+  protected:
     void SetUp() override
     {
         t = new_test_thread();
@@ -38,14 +39,14 @@ protected:
         t->pos.key = saved;
     }
     SearchThread* t = nullptr;
-    const Move bc4 = make_move_code(5, 26);  // Bf1-c4
+    const Move bc4 = make_move_code(5, 26); // Bf1-c4
 };
 
-}  // namespace
+} // namespace
 
 TEST_F(TransTableTest, BucketPlacementAndSize)
 {
-    tt_allocate(3);  // not a power of two: the two ends overlap in the middle
+    tt_allocate(3); // not a power of two: the two ends overlap in the middle
     EXPECT_EQ(tt.entries, 196608u);
     EXPECT_EQ(tt.index_mask, 131071u);
     EXPECT_EQ(tt_bucket_index(131070), 131070u);          // even keys count from the front
@@ -100,9 +101,9 @@ TEST_F(TransTableTest, TornEntriesAndForeignMovesAreMisses)
 {
     tt_store(&t->pos, 3, 8, bc4, 37, 0, 100);
     uint64_t* words = tt.words + 2 * tt_bucket_index(t->pos.key);
-    words[1] ^= uint64_t(5) << 16;  // another writer's score: the check word no longer fits
+    words[1] ^= uint64_t(5) << 16; // another writer's score: the check word no longer fits
     EXPECT_EQ(probe().depth, TT_TORN);
-    tt_store(&t->pos, 3, 9, make_move_code(0, 63), 37, 0, 100);  // a move that cannot be played here
+    tt_store(&t->pos, 3, 9, make_move_code(0, 63), 37, 0, 100); // a move that cannot be played here
     EXPECT_EQ(probe().depth, TT_BAD_MOVE);
 }
 
@@ -124,7 +125,7 @@ TEST_F(TransTableTest, ReplacementByAgeAndDraft)
     tt_new_search();
     store_key(key(5), 1, 5);
     EXPECT_EQ(probe_key(key(5)).depth, 1);
-    EXPECT_LT(probe_key(key(4)).depth, -9);  // slot 0 held key 4
+    EXPECT_LT(probe_key(key(4)).depth, -9); // slot 0 held key 4
     EXPECT_EQ(probe_key(key(1)).depth, 11);
 }
 
@@ -138,7 +139,7 @@ TEST_F(TransTableTest, HashfullSamplesTheMiddle)
     EXPECT_GT(full, 0.05);
     EXPECT_LT(full, 0.6);
     tt_new_search();
-    EXPECT_EQ(tt_hashfull(7), 0.0);  // nothing written in this search yet
+    EXPECT_EQ(tt_hashfull(7), 0.0); // nothing written in this search yet
     tt_clear();
     tt_new_search();
     EXPECT_LT(probe_key(rng()).depth, -9);

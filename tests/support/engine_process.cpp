@@ -1,16 +1,15 @@
 #include "support/engine_process.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <fstream>
+#include <poll.h>
+#include <signal.h>
 #include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir)
 {
@@ -81,7 +80,8 @@ bool EngineProcess::read_line(std::string* line, int timeout_ms)
             buffer_.erase(0, nl + 1);
             return true;
         }
-        int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+        int left = int(
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
         if (left <= 0 || out_fd_ < 0)
             return false;
         pollfd pfd{out_fd_, POLLIN, 0};
@@ -100,7 +100,8 @@ std::string EngineProcess::wait_for(const std::string& prefix, int timeout_ms, s
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
     std::string line;
     for (;;) {
-        int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+        int left = int(
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
         if (left <= 0 || !read_line(&line, left))
             return "";
         if (seen)
@@ -126,7 +127,10 @@ int EngineProcess::wait_exit(int timeout_ms)
     return -1;
 }
 
-std::string data_path(const std::string& relative) { return std::string(KORVEL_DATA_DIR) + "/" + relative; }
+std::string data_path(const std::string& relative)
+{
+    return std::string(KORVEL_DATA_DIR) + "/" + relative;
+}
 
 std::string make_temp_dir()
 {

@@ -1,17 +1,17 @@
 // Runs the real engine binary as a child process over pipes, as a GUI does.
 #pragma once
 
-#include <sys/types.h>
-
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
-class EngineProcess {
-public:
+class EngineProcess
+{
+  public:
     explicit EngineProcess(const std::vector<std::string>& args = {}, const std::string& workdir = "");
     ~EngineProcess();
 
-    void send(const std::string& text);  // raw bytes, no newline added
+    void send(const std::string& text); // raw bytes, no newline added
     void send_line(const std::string& line) { send(line + "\n"); }
     void close_input();
 
@@ -22,7 +22,7 @@ public:
     // Waits for the process to end; returns its exit status or -1 on timeout.
     int wait_exit(int timeout_ms = 10000);
 
-private:
+  private:
     pid_t pid_ = -1;
     int in_fd_ = -1;
     int out_fd_ = -1;

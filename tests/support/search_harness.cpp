@@ -1,7 +1,5 @@
 #include "support/search_harness.h"
 
-#include <cstring>
-
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "search/clock.h"
@@ -14,6 +12,8 @@
 #include "uci/game.h"
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
+
+#include <cstring>
 
 void harness_start(int threads)
 {

@@ -2,14 +2,14 @@
 // hash table and the game record, without the command loop.
 #pragma once
 
-#include <string>
-
 #include "board/types.h"
+
+#include <string>
 
 struct SearchOutcome {
     Move best;
-    int score;  // the main thread's root score
-    int depth;  // last completed iteration
+    int score; // the main thread's root score
+    int depth; // last completed iteration
     uint64_t nodes;
 };
 

@@ -1,15 +1,14 @@
 #include "support/test_positions.h"
 
-#include <gtest/gtest.h>
+#include "board/fen.h"
+#include "search/tt.h"
+#include "support/engine_process.h"
+#include "uci/settings.h"
 
 #include <cstdlib>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
-
-#include "board/fen.h"
-#include "search/tt.h"
-#include "uci/settings.h"
-#include "support/engine_process.h"
 
 SearchThread* new_test_thread()
 {
@@ -22,7 +21,10 @@ SearchThread* new_test_thread()
     return new_search_thread();
 }
 
-void free_test_thread(SearchThread* t) { free_search_thread(t); }
+void free_test_thread(SearchThread* t)
+{
+    free_search_thread(t);
+}
 
 void set_test_position(SearchThread* t, const std::string& fen)
 {

@@ -1,15 +1,15 @@
 // Shared test fixtures: engine tables set up once, positions from the data files.
 #pragma once
 
+#include "search/search_thread.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "search/search_thread.h"
-
 struct PerftCase {
     std::string fen;
-    std::vector<uint64_t> counts;  // counts[d - 1] for depth d
+    std::vector<uint64_t> counts; // counts[d - 1] for depth d
 };
 
 // Keys made and a fresh record; set_position not yet called.

@@ -1,14 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
-#include <fstream>
-#include <sstream>
-
 #include "search/search_thread.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 #include "uci/output.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <unistd.h>
 
 // One process-wide log: switching it on twice keeps the file, off then on
 // resumes it. Runs in a scratch directory, since the log name is fixed.
@@ -40,7 +38,7 @@ TEST(Output, LogAndTraceFiles)
     t->plies[2].depth = 2;
     trace_move(t, make_move_code(52, 36));
     t->search_ply = 3;
-    trace_move(t, make_move_code(6, 21));  // beyond the trace depth
+    trace_move(t, make_move_code(6, 21)); // beyond the trace depth
     t->search_ply = 2;
     trace_move(t, 0);
     trace_depth = 0;

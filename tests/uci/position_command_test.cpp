@@ -1,17 +1,18 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-
 #include "board/fen.h"
 #include "search/limits.h"
+#include "support/test_positions.h"
 #include "uci/game.h"
 #include "uci/uci_commands.h"
-#include "support/test_positions.h"
 
-namespace {
+#include <cstring>
+#include <gtest/gtest.h>
 
-class PositionCommand : public ::testing::Test {
-protected:
+namespace
+{
+
+class PositionCommand : public ::testing::Test
+{
+  protected:
     void SetUp() override
     {
         saved_ = game_thread;
@@ -38,7 +39,7 @@ protected:
     SearchThread* saved_ = nullptr;
 };
 
-}  // namespace
+} // namespace
 
 TEST_F(PositionCommand, AppliesMovesAndStopsAtTheFirstIllegalOne)
 {
