@@ -115,14 +115,28 @@ int EngineProcess::wait_exit(int timeout_ms)
 {
     if (pid_ <= 0)
         return -1;
-    for (int waited = 0; waited <= timeout_ms; waited += 5) {
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
+    while (std::chrono::steady_clock::now() < deadline) {
         int status = 0;
         pid_t r = waitpid(pid_, &status, WNOHANG);
         if (r == pid_) {
             exited_ = true;
             return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
         }
-        usleep(5000);
+        // Keep reading: an engine blocked on a full output pipe cannot finish.
+        pollfd pfd{out_fd_, POLLIN, 0};
+        if (out_fd_ >= 0 && poll(&pfd, 1, 5) > 0) {
+            char chunk[4096];
+            ssize_t n = read(out_fd_, chunk, sizeof chunk);
+            if (n > 0)
+                buffer_.append(chunk, size_t(n));
+            else
+                usleep(5000);  // end of output: just wait for the exit
+            if (buffer_.size() > (1 << 20))
+                buffer_.clear();
+        } else {
+            usleep(5000);
+        }
     }
     return -1;
 }
