@@ -20,6 +20,7 @@ bool keys_made = false;
 void* mapped = nullptr;
 size_t mapped_bytes = 0;
 constexpr size_t HUGE_PAGE = 2 * 1024 * 1024;
+constexpr int HUGE_PAGE_TABLE_LIMIT = 1024;  // megabytes
 
 // Scores of this size or more are mate scores made relative on store.
 constexpr int STORE_MATE = 9699;
@@ -108,8 +109,11 @@ int tt_allocate(int megabytes)
     tt.megabytes = megabytes;
     tt.entries = uint32_t(megabytes) * 65536u;
     size_t bytes = (size_t(tt.entries) + 16) * 16;
-    // Mapped on a huge-page boundary and offered for huge pages: the table's
-    // random accesses then cost far fewer address translations.
+    // Mapped on a huge-page boundary and, up to a gigabyte, offered for huge
+    // pages: the table's random accesses then cost far fewer address
+    // translations. Larger tables keep small pages, since every first touch
+    // of a huge page commits two megabytes and a big table would be wholly
+    // committed after a short search instead of growing as it fills.
     size_t total = bytes + HUGE_PAGE;
     void* memory = mmap(nullptr, total, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED)
@@ -118,7 +122,7 @@ int tt_allocate(int megabytes)
     mapped_bytes = total;
     uintptr_t aligned = (reinterpret_cast<uintptr_t>(memory) + HUGE_PAGE - 1) & ~(uintptr_t(HUGE_PAGE) - 1);
     tt.words = reinterpret_cast<uint64_t*>(aligned);
-    if (bytes >= HUGE_PAGE)
+    if (bytes >= HUGE_PAGE && megabytes <= HUGE_PAGE_TABLE_LIMIT)
         madvise(tt.words, bytes & ~(HUGE_PAGE - 1), MADV_HUGEPAGE);
     uint64_t p = 1;
     while (p * 2 <= tt.entries)

@@ -82,7 +82,7 @@ TEST(EvalSymmetry, ColourFlipAndMirror)
     std::vector<std::string> fens;
     for (const PerftCase& c : load_perft_cases())
         fens.push_back(c.fen);
-    for (const std::string& f : load_opening_fens(2000))
+    for (const std::string& f : load_opening_fens(10000))
         fens.push_back(f);
     int mirrored = 0;
     for (const std::string& fen : fens) {
