@@ -70,12 +70,3 @@ int least_attacker(const Position* pos, int sq, int side, Bitboard mask)
 {
     return attacker_in(pos, sq, side, mask, mask);
 }
-
-Bitboard attackers_to(const Position* pos, int sq, Bitboard occ)
-{
-    const Bitboard(*p)[8] = pos->pieces;
-    return (PAWN_ATTACKS[BLACK][sq] & p[WHITE][PAWN]) | (PAWN_ATTACKS[WHITE][sq] & p[BLACK][PAWN])
-           | (KNIGHT_ATTACKS[sq] & (p[0][KNIGHT] | p[1][KNIGHT])) | (KING_ATTACKS[sq] & (p[0][KING] | p[1][KING]))
-           | (bishop_attacks(sq, occ) & (p[0][BISHOP] | p[1][BISHOP] | p[0][QUEEN] | p[1][QUEEN]))
-           | (rook_attacks(sq, occ) & (p[0][ROOK] | p[1][ROOK] | p[0][QUEEN] | p[1][QUEEN]));
-}

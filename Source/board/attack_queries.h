@@ -14,9 +14,6 @@ int find_attacker(const Position* pos, int sq, int side, Bitboard occ);
 // sliders; the search order makes this the least valuable attacker.
 int least_attacker(const Position* pos, int sq, int side, Bitboard mask);
 
-// Every man of either side that attacks `sq` with occupancy `occ`.
-Bitboard attackers_to(const Position* pos, int sq, Bitboard occ);
-
 inline int in_check(const Position* pos, int side)
 {
     return is_square_attacked(pos, pos->king_square[side], side ^ 1);

@@ -346,7 +346,6 @@ void iterate(SearchThread* t)
             if (t->best_move)
                 tt_store(&t->pos, ROOT_PLY, d, t->best_move, t->root_score, -INFINITE_SCORE, INFINITE_SCORE);
             limits.completed_depth = int8_t(d);
-            limits.completed_time = now_seconds() - limits.start_time;
             limits.root_score_by_depth[d] = int16_t(t->root_score);
         }
         // Step 5: mate found, depth reached, or the game too long.

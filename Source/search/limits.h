@@ -47,8 +47,6 @@ struct SearchLimits {
     bool infinite;          // go infinite: the report waits for "stop"
     uint8_t base_max_depth; // what each go starts from (the command line may set it)
     uint64_t base_node_limit;
-    double base_move_time;
-    uint8_t base_fixed_limit;
 
     // Time management.
     double start_time;
@@ -72,7 +70,6 @@ struct SearchLimits {
     std::atomic<uint8_t> search_depth;
     std::atomic<bool> search_started;
     std::atomic<int8_t> completed_depth;
-    double completed_time;
     int engine_side;      // the side the engine plays in this search
     double contempt_gate; // contempt applies while this is at most 90000
 

@@ -4,12 +4,11 @@
 #include "board/see.h"
 #include "search/history.h"
 #include "search/search_thread.h"
+#include "search/search_values.h"
 
 namespace
 {
 
-// Expected gain by captured type, for ordering.
-constexpr int MVV[8] = {210, 220, 230, 230, 240, 250, 0, 0};
 constexpr int GOOD_CAPTURE = 150;
 constexpr int UNDER_PROMOTION_SCORE = 15;
 

@@ -14,14 +14,11 @@
 namespace
 {
 
-// Gains the delta test expects by captured type.
-constexpr int GAIN[8] = {0, 100, 335, 335, 535, 1035, 10000, 0};
 constexpr int CHECK_GAIN = 20000;      // checks are never delta-pruned
 constexpr int LAST_PIECES_GAIN = 5000; // a capture that leaves a bare king or one minor
 constexpr int PAWN_RUN_GAIN = 1500;    // a pawn reaching the seventh or eighth rank
 constexpr int DELTA_MARGIN = 150;
 constexpr int DELTA_MARGIN_RAZORED = 450;
-constexpr int BAD_SEE = -70;
 // Below this draft only recaptures on the square of the last move are searched.
 constexpr int RECAPTURE_DEPTH = -3;
 
@@ -63,7 +60,7 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
             continue;
         // b-d: the gain to expect.
         int captured = piece_type(m->captured);
-        int g = GAIN[captured];
+        int g = SEE_VALUE[captured];  // the delta test expects the exchange values
         if (gives_check(pos, move, ci)) {
             g = CHECK_GAIN;
         } else if (captured && popcount(pos->pieces[enemy][PAWN]) == (captured == PAWN ? 1 : 0)

@@ -35,14 +35,10 @@ constexpr int HANGING_SAFETY_MARGIN = 124; // static pruning near the horizon wi
 constexpr int PROBCUT_SEE = 74;
 // Internal iterative deepening runs when the static eval is not far below alpha.
 constexpr int IID_EVAL_MARGIN = 199;
-// Exchange value below which a move by a more valuable piece is pruned or reduced more.
-constexpr int BAD_SEE = -70;
 // Ordering scores: LMR keeps non-quiet moves unreduced above this, LMP spares them above that.
 constexpr int LMR_HISTORY = 31;
 constexpr int LMP_TACTICAL_HISTORY = 40;
 constexpr int STRENGTH_MASK = 511;
-
-constexpr int MVV[8] = {210, 220, 230, 230, 240, 250, 0, 0};
 
 inline bool stopped()
 {
@@ -203,8 +199,6 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     pi.reduction = 0;
     pi.current_move = nullptr;
     pi.list_end = list_start(t, ply);
-    pv[ply] = 0;
-    pv[ply + 1] = 0;
 
     // Step 7: in check?
     int checker = find_attacker(pos, pos->king_square[side], side ^ 1, occupancy(pos));

@@ -20,6 +20,28 @@ constexpr int HISTORY_START = 2048;
 // The root position's plies; the nodes below it count from here.
 constexpr int ROOT_PLY = 1;
 
+// A counter that its owner bumps while other threads read it (the info line
+// sums all threads' nodes): relaxed atomic loads and stores, so that the
+// owner's increments stay plain moves instead of locked instructions.
+class RelaxedCounter {
+public:
+    RelaxedCounter& operator=(uint64_t v)
+    {
+        value_.store(v, std::memory_order_relaxed);
+        return *this;
+    }
+    RelaxedCounter& operator+=(uint64_t n)
+    {
+        value_.store(value_.load(std::memory_order_relaxed) + n, std::memory_order_relaxed);
+        return *this;
+    }
+    void operator++(int) { *this += 1; }
+    operator uint64_t() const { return value_.load(std::memory_order_relaxed); }
+
+private:
+    std::atomic<uint64_t> value_;
+};
+
 struct RootMove {
     MoveEntry entry; // the move with its piece codes; entry.score orders the list
     int16_t last_score;
@@ -44,9 +66,9 @@ struct SearchThread {
     std::atomic<uint8_t> command;
 
     // Counters.
-    uint64_t nodes;
+    RelaxedCounter nodes;
     uint64_t node_limit;
-    uint64_t tbhits;
+    RelaxedCounter tbhits;
     uint64_t tt_probes, tt_hits;
     uint8_t seldepth;
     std::atomic<uint8_t> iteration_depth;

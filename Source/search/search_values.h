@@ -10,3 +10,11 @@ constexpr int NO_SCORE = -10001;
 
 // Worth of a piece type for "worth more than" tests: P N B R Q K.
 constexpr int PIECE_WORTH[8] = {0, 1, 3, 3, 5, 10, 99, 0};
+
+// Ordering value of a capture by the captured type (none, P, N, B, R, Q);
+// the mover's type is subtracted from it.
+constexpr int MVV[8] = {210, 220, 230, 230, 240, 250, 0, 0};
+
+// Exchange value below which a move by a more valuable man is pruned, or
+// reduced one ply more.
+constexpr int BAD_SEE = -70;

@@ -128,7 +128,6 @@ void prepare_search()
     limits.best_change_depth = 0;
     limits.root_line_state = 0;
     limits.completed_depth = 0;
-    limits.completed_time = 0;
     limits.best_move = limits.ponder_move = 0;
     limits.best_score = 0;
     limits.best_line[0] = 0;

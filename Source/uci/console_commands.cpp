@@ -148,7 +148,6 @@ void level_command(const Words& w)
         inc = 0;
     limits.level_moves = int16_t(moves);
     limits.fixed_limit = moves ? 40 : 0;
-    limits.base_fixed_limit = limits.fixed_limit;
     limits.white_time = limits.black_time = seconds;
     limits.increment = inc;
     char line[128];

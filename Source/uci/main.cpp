@@ -78,18 +78,18 @@ int read_switches(int argc, char** argv)
             copy_text(settings.config_file_path, PATH_SIZE, value);
         } else if (takes("-d")) {
             long d = std::atol(value);
-            limits.base_fixed_limit = limits.fixed_limit = 1;
+            limits.fixed_limit = 1;
             limits.base_max_depth = limits.max_depth = uint8_t(d < 1 ? 1 : d > MAX_SEARCH_DEPTH ? MAX_SEARCH_DEPTH : d);
-            limits.base_move_time = limits.move_time = 10000;
+            limits.move_time = 10000;
         } else if (takes("-t")) {
             double t = std::atof(value);
-            limits.base_fixed_limit = limits.fixed_limit = 1;
-            limits.base_move_time = limits.move_time = t > 0 && t < 1e7 ? t : 1.0;
+            limits.fixed_limit = 1;
+            limits.move_time = t > 0 && t < 1e7 ? t : 1.0;
         } else if (takes("-n")) {
             long long n = std::atoll(value);
-            limits.base_fixed_limit = limits.fixed_limit = 1;
+            limits.fixed_limit = 1;
             limits.base_node_limit = limits.node_limit = uint64_t(n > 0 ? n : 1);
-            limits.base_move_time = limits.move_time = 1000;
+            limits.move_time = 1000;
         } else if (takes("-nps")) {
             double speed = std::atof(value);
             if (!(speed >= 1))
@@ -195,7 +195,6 @@ int main(int argc, char** argv)
     set_default_settings();
     protocol_mode = 1;
     limits.base_max_depth = limits.max_depth = MAX_SEARCH_DEPTH;
-    limits.base_move_time = 60.0;
     reset_game_limits();
     int status = read_switches(argc, argv);
     if (status >= 0)
