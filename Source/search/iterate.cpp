@@ -37,10 +37,6 @@ constexpr int ROOT_REDUCTION_DEPTH = 6;
 constexpr int ROOT_REDUCTION_MOVES = 5;
 constexpr int ROOT_REDUCTION_MARGIN = 24;
 
-inline bool stopped()
-{
-    return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE;
-}
 inline bool is_main(const SearchThread* t)
 {
     return t->thread_number == 0;
@@ -231,12 +227,12 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
             v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - 1, -beta, -alpha, NODE_PV, child_pv);
         } else {
             v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - r - 1, -alpha - 1, -alpha, NODE_CUT, child_pv);
-            if (v > alpha && !stopped())
+            if (v > alpha && !search_stopped())
                 v = -search_node(t, side ^ 1, ROOT_PLY + 1, depth - 1, -beta, -alpha, NODE_PV, child_pv);
         }
         unmake_move(pos);
         pi.current_move = nullptr;
-        if (stopped())
+        if (search_stopped())
             return 0;
         e->score = int16_t(v);
         if (main)
@@ -309,14 +305,14 @@ void iterate(SearchThread* t)
             int upper = d == 1 || s == NO_SCORE ? INFINITE_SCORE : s + delta;
             int v = 0;
             for (;;) {
-                if (stopped())
+                if (search_stopped())
                     break;
                 lower = open_lower(lower);
                 upper = open_upper(upper);
                 v = search_root(t, d, lower, upper, k);
-                if (!stopped())
+                if (!search_stopped())
                     stable_sort_from(t, k);
-                if (stopped())
+                if (search_stopped())
                     break;
                 if (v > lower && v < upper)
                     break;
@@ -326,7 +322,7 @@ void iterate(SearchThread* t)
                     upper += delta;
                 delta *= 2;
             }
-            if (!stopped()) {
+            if (!search_stopped()) {
                 t->root_moves[k].last_score = int16_t(v);
                 if (main && multi_pv >= 2)
                     print_info_line(t, d, v, t->root_moves[k].pv, k + 1, '.');
@@ -338,7 +334,7 @@ void iterate(SearchThread* t)
             std::lock_guard<std::mutex> guard(stats_lock);
             limits.nodes_at_depth[d] += t->nodes;
         }
-        if (stopped())
+        if (search_stopped())
             break;
         if (main) {
             // The root's result goes to the table too: the next search and
@@ -352,7 +348,7 @@ void iterate(SearchThread* t)
         if (std::abs(t->root_score) >= MATE - 1 - d || d >= max_depth || t->game_ply + d > LAST_GAME_PLY)
             break;
     }
-    if (main && !stopped())
+    if (main && !search_stopped())
         limits.stop_signal = STOP_LIMIT;
 }
 
@@ -391,7 +387,7 @@ void run_search(SearchThread* t)
             return;
         }
     } else {
-        while (!limits.search_started.load() && !stopped())
+        while (!limits.search_started.load() && !search_stopped())
             sleep_ms(1);
         SearchThread* m = worker(0);
         if (m && m->root_tb_result != -1)

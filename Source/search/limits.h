@@ -97,3 +97,9 @@ struct SearchLimits {
 };
 
 extern SearchLimits limits;
+
+// True once any stop reason is set: every search loop polls this.
+inline bool search_stopped()
+{
+    return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE;
+}

@@ -86,7 +86,7 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
         int v = -search_node(t, enemy, ply + 1, depth - 1, -beta, -a, -node_type, child_pv);
         unmake_move(pos);
         pi.current_move = nullptr;
-        if (limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE)
+        if (search_stopped())
             return 0;
         pi.moves_tried++;
         // i: a new best move.

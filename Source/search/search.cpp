@@ -40,10 +40,6 @@ constexpr int LMR_HISTORY = 31;
 constexpr int LMP_TACTICAL_HISTORY = 40;
 constexpr int STRENGTH_MASK = 511;
 
-inline bool stopped()
-{
-    return limits.stop_signal.load(std::memory_order_relaxed) != STOP_NONE;
-}
 
 inline int worth(int code)
 {
@@ -119,7 +115,7 @@ void limit_node_rate(const SearchThread* t)
         return;
     for (;;) {
         uint8_t state = limits.search_state.load(std::memory_order_relaxed);
-        if (!limits.rate_limited || stopped() || (state != SEARCH_FINISH && state != SEARCH_PONDERING))
+        if (!limits.rate_limited || search_stopped() || (state != SEARCH_FINISH && state != SEARCH_PONDERING))
             return;
         double elapsed = now_seconds() - limits.start_time;
         if (elapsed >= double(t->nodes) / limits.target_nps)
@@ -168,7 +164,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     // Step 2: node limit, stop flag.
     if (t->nodes > t->node_limit && t->best_move_depth >= 2)
         limits.stop_signal = STOP_LIMIT;
-    if (stopped())
+    if (search_stopped())
         return 0;
 
     // Step 3: selective depth.
@@ -323,7 +319,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
             t->null_moves_on_path--;
             unmake_null(pos);
             pi.current_move = nullptr;
-            if (stopped())
+            if (search_stopped())
                 return 0;
             if (v >= beta) {
                 if (depth < 5)
@@ -343,7 +339,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
         pi.iid_active = 1;
         search_moves(t, side, ply, reduced, alpha, beta, false, node_type, pv);
         pi.iid_active = 0;
-        if (stopped())
+        if (search_stopped())
             return 0;
         if (pv[ply])
             pi.hash_move = pv[ply];
@@ -435,7 +431,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
         int v;
         if (pi.moves_tried > 0 && depth >= 2) {
             v = -search_node(t, side ^ 1, ply + 1, depth - r - 1, -alpha - 1, -alpha, NODE_CUT, child_pv);
-            if (v > alpha && !stopped()) {
+            if (v > alpha && !search_stopped()) {
                 pi.reduction = 0;
                 v = -search_node(t, side ^ 1, ply + 1, depth - 1, -beta, -alpha,
                                  node_type == NODE_PV ? NODE_PV : NODE_ALL, child_pv);
@@ -445,7 +441,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
             v = -search_node(t, side ^ 1, ply + 1, depth - 1 + extend, -beta, -alpha, -node_type, child_pv);
         }
         unmake_move(pos);
-        if (stopped())
+        if (search_stopped())
             return 0;
         pi.moves_tried++;
 
@@ -521,7 +517,7 @@ bool probcut(SearchThread* t, int ply, int depth, int beta)
         int v = -search_node(t, side ^ 1, ply + 1, draft - 1, -rbeta, -rbeta + 1, NODE_ALL, child_pv);
         unmake_move(pos);
         pi.current_move = nullptr;
-        if (stopped())
+        if (search_stopped())
             return false;
         if (v >= rbeta)
             return true;
