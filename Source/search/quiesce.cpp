@@ -60,7 +60,7 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
             continue;
         // b-d: the gain to expect.
         int captured = piece_type(m->captured);
-        int g = SEE_VALUE[captured];  // the delta test expects the exchange values
+        int g = SEE_VALUE[captured]; // the delta test expects the exchange values
         if (gives_check(pos, move, ci)) {
             g = CHECK_GAIN;
         } else if (captured && popcount(pos->pieces[enemy][PAWN]) == (captured == PAWN ? 1 : 0)

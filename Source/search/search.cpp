@@ -40,7 +40,6 @@ constexpr int LMR_HISTORY = 31;
 constexpr int LMP_TACTICAL_HISTORY = 40;
 constexpr int STRENGTH_MASK = 511;
 
-
 inline int worth(int code)
 {
     return PIECE_WORTH[piece_type(code)];

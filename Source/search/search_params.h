@@ -2,6 +2,8 @@
 // the Selectivity option and the search depth settings.
 #pragma once
 
+#include "search/search_values.h"
+
 #include <cstdint>
 
 constexpr int MARGIN_DEPTHS = 12; // margin tables run over depths 0..11
@@ -43,9 +45,9 @@ inline bool null_move_allowed(int nulls_on_path, int iteration_depth)
 constexpr int ASPIRATION_LIMIT = 5000;
 inline int open_lower(int bound)
 {
-    return bound < -ASPIRATION_LIMIT ? -10001 : bound;
+    return bound < -ASPIRATION_LIMIT ? -INFINITE_SCORE : bound;
 }
 inline int open_upper(int bound)
 {
-    return bound > ASPIRATION_LIMIT ? 10001 : bound;
+    return bound > ASPIRATION_LIMIT ? INFINITE_SCORE : bound;
 }

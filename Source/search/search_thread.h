@@ -23,8 +23,9 @@ constexpr int ROOT_PLY = 1;
 // A counter that its owner bumps while other threads read it (the info line
 // sums all threads' nodes): relaxed atomic loads and stores, so that the
 // owner's increments stay plain moves instead of locked instructions.
-class RelaxedCounter {
-public:
+class RelaxedCounter
+{
+  public:
     RelaxedCounter& operator=(uint64_t v)
     {
         value_.store(v, std::memory_order_relaxed);
@@ -38,7 +39,7 @@ public:
     void operator++(int) { *this += 1; }
     operator uint64_t() const { return value_.load(std::memory_order_relaxed); }
 
-private:
+  private:
     std::atomic<uint64_t> value_;
 };
 

@@ -20,7 +20,7 @@ bool keys_made = false;
 void* mapped = nullptr;
 size_t mapped_bytes = 0;
 constexpr size_t HUGE_PAGE = 2 * 1024 * 1024;
-constexpr int HUGE_PAGE_TABLE_LIMIT = 1024;  // megabytes
+constexpr int HUGE_PAGE_TABLE_LIMIT = 1024; // megabytes
 
 // Scores of this size or more are mate scores made relative on store.
 constexpr int STORE_MATE = 9699;

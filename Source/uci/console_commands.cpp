@@ -15,6 +15,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
+#include "uci/bounded_input.h"
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/output.h"
@@ -55,11 +56,6 @@ void split_words(const char* line, Words* w)
         p += len;
         n++;
     }
-}
-
-int clamp(long v, int lo, int hi)
-{
-    return v < lo ? lo : v > hi ? hi : int(v);
 }
 
 void echo_setting(const char* name, int value)
@@ -139,7 +135,7 @@ void load_command(const char* file, const char* tag)
 
 void level_command(const Words& w)
 {
-    int moves = clamp(std::atol(w.text[1]), 0, 1000);
+    int moves = clamp_int(std::atol(w.text[1]), 0, 1000);
     double seconds = std::atof(w.text[2]);
     double inc = std::atof(w.text[3]);
     if (!(seconds > 0) || seconds > 1e7)
@@ -239,7 +235,7 @@ void handle_console_command(char* line)
         return;
     for (const DepthWord& d : DEPTH_WORDS)
         if (!std::strcmp(cmd, d.word)) {
-            int v = clamp(std::atol(arg), 0, 100);
+            int v = clamp_int(std::atol(arg), 0, 100);
             search_setting(d.setting, v);
             echo_setting(cmd, v);
             return;
@@ -254,10 +250,10 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "swap")) {
         swap_command();
     } else if (!std::strcmp(cmd, "multipv")) {
-        settings.multi_pv = int16_t(clamp(std::atol(arg), 1, 255));
+        settings.multi_pv = int16_t(clamp_int(std::atol(arg), 1, 255));
         settings_changed_after_option();
     } else if (!std::strcmp(cmd, "Selectivity")) {
-        int v = clamp(std::atol(arg), 0, 200);
+        int v = clamp_int(std::atol(arg), 0, 200);
         settings.selectivity = int16_t(v);
         settings_changed_after_option();
         echo_setting(cmd, v);
@@ -269,7 +265,7 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "level")) {
         level_command(w);
     } else if (!std::strcmp(cmd, "depth")) {
-        limits.base_max_depth = limits.max_depth = uint8_t(clamp(std::atol(arg), 1, MAX_SEARCH_DEPTH));
+        limits.base_max_depth = limits.max_depth = uint8_t(clamp_int(std::atol(arg), 1, MAX_SEARCH_DEPTH));
     } else if (!std::strcmp(cmd, "target_nps")) {
         double nps = std::atof(arg);
         if (!(nps >= 10))
@@ -290,12 +286,12 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "edit")) {
         start_position_editor();
     } else if (!std::strcmp(cmd, "trace")) {
-        trace_depth = int8_t(clamp(std::atol(arg), 0, 100));
+        trace_depth = int8_t(clamp_int(std::atol(arg), 0, 100));
     } else if (!std::strcmp(cmd, "undo")) {
         if (undo_game_move())
             show_game_board();
     } else if (!std::strcmp(cmd, "jump")) {
-        jump_to_ply(clamp(std::atol(arg), 0, 100000));
+        jump_to_ply(clamp_int(std::atol(arg), 0, 100000));
         show_game_board();
     } else if (!std::strcmp(cmd, "load")) {
         load_command(arg, w.text[2]);

@@ -11,6 +11,7 @@
 #include "tablebase/tbprobe.h"
 #include "tools/benchmark.h"
 #include "tools/offline_tools.h"
+#include "uci/bounded_input.h"
 #include "uci/calibration.h"
 #include "uci/engine_loop.h"
 #include "uci/options.h"
@@ -19,7 +20,6 @@
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -41,13 +41,7 @@ enum RunMode {
 };
 
 int run_mode = RUN_ENGINE;
-char tool_file[141];
-
-void copy_text(char* dest, size_t size, const char* value)
-{
-    std::strncpy(dest, value, size - 1);
-    dest[size - 1] = 0;
-}
+char tool_file[PATH_SIZE];
 
 // Reads the switches; returns -1 to go on, or an exit status.
 int read_switches(int argc, char** argv)
@@ -77,9 +71,8 @@ int read_switches(int argc, char** argv)
         } else if (takes("-cfg")) {
             copy_text(settings.config_file_path, PATH_SIZE, value);
         } else if (takes("-d")) {
-            long d = std::atol(value);
             limits.fixed_limit = 1;
-            limits.base_max_depth = limits.max_depth = uint8_t(d < 1 ? 1 : d > MAX_SEARCH_DEPTH ? MAX_SEARCH_DEPTH : d);
+            limits.base_max_depth = limits.max_depth = uint8_t(clamp_int(std::atoll(value), 1, MAX_SEARCH_DEPTH));
             limits.move_time = 10000;
         } else if (takes("-t")) {
             double t = std::atof(value);
@@ -95,16 +88,14 @@ int read_switches(int argc, char** argv)
             if (!(speed >= 1))
                 speed = 1;
             settings.limit_strength = 1;
-            int elo = int(std::log(speed) * 144 + 1014 - 3000 / (speed + 1));
+            int elo = int(elo_of_rate(speed));
             settings.elo = int16_t(elo);
             std::printf("Elo= %d\n", elo);
             std::fflush(stdout);
         } else if (takes("-hash")) {
-            long mb = std::atol(value);
-            settings.hash_mb = int16_t(mb < 0 ? 0 : mb > 16384 ? 16384 : mb);
+            settings.hash_mb = int16_t(clamp_int(std::atoll(value), 0, 16384));
         } else if (takes("-threads")) {
-            long n = std::atol(value);
-            settings.threads = int16_t(n < 1 ? 1 : n > 128 ? 128 : n);
+            settings.threads = int16_t(clamp_int(std::atoll(value), 1, 128));
         } else if (takes("-book")) {
             copy_text(settings.book_file, PATH_SIZE, value);
         } else if (takes("-tbpath")) {
@@ -179,9 +170,7 @@ void run_job()
     case RUN_MKCONFIG:
         break; // accepted words without a job
     default:
-        set_position(&game_thread->pos, START_FEN);
         calibrate_speed();
-        init_eval_params(0);
         tb_init(settings.syzygy_path);
         run_engine_loop();
         break;

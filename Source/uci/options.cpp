@@ -4,6 +4,7 @@
 #include "search/threads.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
+#include "uci/bounded_input.h"
 #include "uci/output.h"
 #include "uci/settings.h"
 
@@ -61,11 +62,6 @@ const SpinOption* find_spin(const char* name)
     return nullptr;
 }
 
-int clamp(long long v, int lo, int hi)
-{
-    return v < lo ? lo : v > hi ? hi : int(v);
-}
-
 void print_spin(const char* name)
 {
     const SpinOption* o = find_spin(name);
@@ -89,12 +85,6 @@ void print_string(const char* name, const char* value)
     send_line(format_line(line, sizeof line, "option name %s type string default %s", name, value));
 }
 
-void copy_path(char* dest, const char* value)
-{
-    std::strncpy(dest, value, PATH_SIZE - 1);
-    dest[PATH_SIZE - 1] = 0;
-}
-
 void echo_path(const char* name, const char* path)
 {
     char line[256];
@@ -105,9 +95,9 @@ void set_personality(int index, const char* value)
 {
     int16_t* pair = settings.personality[index];
     const char* comma = std::strchr(value, ',');
-    pair[0] = int16_t(clamp(std::strtoll(value, nullptr, 10), 20, 200));
+    pair[0] = int16_t(clamp_int(std::strtoll(value, nullptr, 10), 20, 200));
     if (comma && comma[1] && comma[1] != ' ')
-        pair[1] = int16_t(clamp(std::strtoll(comma + 1, nullptr, 10), 20, 200));
+        pair[1] = int16_t(clamp_int(std::strtoll(comma + 1, nullptr, 10), 20, 200));
     char line[256];
     send_line(
         format_line(line, sizeof line, "info string %s set to %d,%d", PERSONALITY_NAMES[index], pair[0], pair[1]));
@@ -160,7 +150,7 @@ void set_option(const char* name, const char* value)
 {
     char line[256];
     if (const SpinOption* o = find_spin(name)) {
-        int v = clamp(std::strtoll(value, nullptr, 10), o->min, o->max);
+        int v = clamp_int(std::strtoll(value, nullptr, 10), o->min, o->max);
         send_line(format_line(line, sizeof line, "info string %s set to %d", name, v));
         settings.*(o->field) = int16_t(v);
     }
@@ -188,18 +178,18 @@ void set_option(const char* name, const char* value)
             tt_clear();
         send_line("info string Hash table cleared");
     } else if (!std::strcmp(name, "ConfigFilePath")) {
-        copy_path(settings.config_file_path, value);
+        copy_text(settings.config_file_path, PATH_SIZE, value);
         echo_path("ConfigFilePath", settings.config_file_path);
         if (config_nesting < MAX_CONFIG_NESTING)
             load_config_file();
     } else if (!std::strcmp(name, "OwnBook_File")) {
-        copy_path(settings.book_file, value);
+        copy_text(settings.book_file, PATH_SIZE, value);
         echo_path("OwnBook_File", settings.book_file);
     } else if (!std::strcmp(name, "OwnBook2_File")) {
-        copy_path(settings.book2_file, value);
+        copy_text(settings.book2_file, PATH_SIZE, value);
         echo_path("OwnBook2_File", settings.book2_file);
     } else if (!std::strcmp(name, "SyzygyPath")) {
-        copy_path(settings.syzygy_path, value);
+        copy_text(settings.syzygy_path, PATH_SIZE, value);
         echo_path("SyzygyPath", settings.syzygy_path);
         tb_init(settings.syzygy_path);
     } else if (!std::strcmp(name, "Log")) {
@@ -248,8 +238,7 @@ int load_config_file()
         while (*v == ' ')
             v++;
         char value[201];
-        std::strncpy(value, v, 200);
-        value[200] = 0;
+        copy_text(value, sizeof value, v);
         set_option(name, value);
     }
     std::fclose(f);

@@ -3,6 +3,7 @@
 #include "board/fen.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
+#include "uci/bounded_input.h"
 #include "uci/console_commands.h"
 #include "uci/game.h"
 #include "uci/output.h"
@@ -77,8 +78,7 @@ void start_position_editor()
 void position_editor_line(const char* line)
 {
     char copy[512];
-    std::strncpy(copy, line, sizeof copy - 1);
-    copy[sizeof copy - 1] = 0;
+    copy_text(copy, sizeof copy, line);
     char* save = nullptr;
     for (char* token = strtok_r(copy, " ", &save); token; token = strtok_r(nullptr, " ", &save)) {
         int sq;

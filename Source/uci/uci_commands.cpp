@@ -7,6 +7,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
+#include "uci/bounded_input.h"
 #include "uci/engine_name.h"
 #include "uci/game.h"
 #include "uci/input.h"
@@ -202,13 +203,13 @@ void go_command(const char* args)
         long long n = read_count(v);
         limits.fixed_limit = 40;
         limits.max_depth = MAX_SEARCH_DEPTH;
-        limits.moves_to_go = int16_t(n < 1 ? 1 : n > 1000 ? 1000 : n);
+        limits.moves_to_go = int16_t(clamp_int(n, 1, 1000));
         limits.node_limit = 0;
     }
     if ((v = value_after(args, "depth"))) {
         long long d = read_count(v);
         limits.fixed_limit = 1;
-        limits.max_depth = uint8_t(d < 1 ? 1 : d > MAX_SEARCH_DEPTH ? MAX_SEARCH_DEPTH : d);
+        limits.max_depth = uint8_t(clamp_int(d, 1, MAX_SEARCH_DEPTH));
         limits.move_time = 10000000.0;
     }
     if ((v = value_after(args, "nodes"))) {

@@ -8,22 +8,14 @@
 TEST(Console, SettingsWords)
 {
     EngineProcess e({"-c"});
-    e.send_line("NMP_depth 4");
-    EXPECT_EQ(e.wait_for("NMP_depth"), "NMP_depth set to 4");
-    e.send_line("Selectivity 250");
-    EXPECT_EQ(e.wait_for("Selectivity"), "Selectivity set to 200");
-    e.send_line("ponder 0");
-    EXPECT_EQ(e.wait_for("ponder"), "ponder set to 0");
-    e.send_line("level 40 300 2");
-    EXPECT_EQ(e.wait_for("set level"), "set level to 40 moves in 300.00 seconds, inc 2.00");
-    e.send_line("target_nps 50000");
-    EXPECT_EQ(e.wait_for("target_nps"), "target_nps set to 50000");
-    e.send_line("ss");
-    EXPECT_EQ(e.wait_for("selectivity"), "selectivity set to OFF");
-    e.send_line("debug");
-    EXPECT_EQ(e.wait_for("set default"), "set default personality");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.ask("NMP_depth 4", "NMP_depth"), "NMP_depth set to 4");
+    EXPECT_EQ(e.ask("Selectivity 250", "Selectivity"), "Selectivity set to 200");
+    EXPECT_EQ(e.ask("ponder 0", "ponder"), "ponder set to 0");
+    EXPECT_EQ(e.ask("level 40 300 2", "set level"), "set level to 40 moves in 300.00 seconds, inc 2.00");
+    EXPECT_EQ(e.ask("target_nps 50000", "target_nps"), "target_nps set to 50000");
+    EXPECT_EQ(e.ask("ss", "selectivity"), "selectivity set to OFF");
+    EXPECT_EQ(e.ask("debug", "set default"), "set default personality");
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(Console, GameWordsAndEngineMoves)
@@ -33,12 +25,10 @@ TEST(Console, GameWordsAndEngineMoves)
     for (const char* m : {"e4", "e5", "Nf3", "Nc6"})
         e.send_line(m);
     e.send_line("save");
-    e.send_line("jump 2");
-    EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6"), "");
+    EXPECT_NE(e.ask("jump 2", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6"), "");
     e.send_line("jump 4"); // forward again over the moves taken back
     EXPECT_NE(e.wait_for("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -"), "");
-    e.send_line("undo");
-    EXPECT_NE(e.wait_for("rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -"), "");
+    EXPECT_NE(e.ask("undo", "rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -"), "");
 
     // The engine answers with a move of its own, then the statistics block.
     e.send_line("depth 5");
@@ -55,8 +45,7 @@ TEST(Console, GameWordsAndEngineMoves)
     std::string pv = e.wait_for("PV: ");
     EXPECT_GT(pv.size(), 6u);
 
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.quit(), 0);
     std::string pgn = read_text_file(dir + "/tmp.pgn");
     EXPECT_EQ(pgn.rfind("[Event \"Unknown\"]\n", 0), 0u);
     EXPECT_NE(pgn.find("1. e4 e5 2. Nf3 Nc6"), std::string::npos) << pgn;
@@ -71,10 +60,8 @@ TEST(Console, SelfPlayFinishesTheGame)
     e.send_line("b Ka8");
     e.send_line(".");
     e.send_line("depth 4");
-    e.send_line("self");
-    EXPECT_NE(e.wait_for("1. move "), "");
+    EXPECT_NE(e.ask("self", "1. move "), "");
     // Mate follows within a few moves; the last report has no move to play.
     EXPECT_NE(e.wait_for("move= null", 30000), "");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.quit(), 0);
 }

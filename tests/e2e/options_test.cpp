@@ -110,10 +110,8 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
     // The engine still plays after all that.
     e.send_line("position startpos");
-    e.send_line("go depth 4");
-    EXPECT_NE(e.wait_for("bestmove"), "");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_NE(e.ask("go depth 4", "bestmove"), "");
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(Options, ConfigurationFiles)
@@ -149,13 +147,12 @@ TEST(Options, ConfigurationFiles)
         cfg << "Selectivity = 150\n";
         cfg << "ConfigFilePath = " + dir + "/second.cfg\n"; // names itself: loaded again, then no further
     }
-    e.send_line("setoption name ConfigFilePath value " + dir + "/second.cfg");
-    EXPECT_NE(e.wait_for("info string ConfigFilePath set to '" + dir + "/second.cfg'"), "");
+    EXPECT_NE(e.ask("setoption name ConfigFilePath value " + dir + "/second.cfg",
+                    "info string ConfigFilePath set to '" + dir + "/second.cfg'"),
+              "");
     EXPECT_NE(e.wait_for("info string Selectivity set to 150"), "");
-    e.send_line("isready");
-    EXPECT_EQ(e.wait_for("readyok"), "readyok");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.ask("isready", "readyok"), "readyok");
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(Switches, CommandLine)
@@ -179,16 +176,14 @@ TEST(Switches, CommandLine)
         EngineProcess e({"-scan_pgn", "games.pgn", "-threads", "0"});
         std::vector<std::string> a = uci_answer(e);
         EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 1 min 1 max 128"), a.end());
-        e.send_line("quit");
-        EXPECT_EQ(e.wait_exit(), 0);
+        EXPECT_EQ(e.quit(), 0);
     }
     {
         EngineProcess e({"-threads", "500", "-hash", "99999"});
         EXPECT_EQ(e.wait_for("info string allocated"), "info string allocated 16384 Mbytes for hash table");
         std::vector<std::string> a = uci_answer(e);
         EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 128 min 1 max 128"), a.end());
-        e.send_line("quit");
-        EXPECT_EQ(e.wait_exit(), 0);
+        EXPECT_EQ(e.quit(), 0);
     }
     {
         // A depth from the command line bounds every search.
@@ -202,7 +197,6 @@ TEST(Switches, CommandLine)
             if (l.rfind("info depth ", 0) == 0)
                 deepest = std::max(deepest, std::atoi(l.c_str() + 11));
         EXPECT_EQ(deepest, 3);
-        e.send_line("quit");
-        EXPECT_EQ(e.wait_exit(), 0);
+        EXPECT_EQ(e.quit(), 0);
     }
 }

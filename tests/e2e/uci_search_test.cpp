@@ -83,31 +83,24 @@ TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
     std::string line;
     std::vector<std::string> seen;
     // Nothing is reported while the search runs, even when asked if ready.
-    u.e.send_line("isready");
-    EXPECT_EQ(u.e.wait_for("readyok"), "readyok");
+    EXPECT_EQ(u.e.ask("isready", "readyok"), "readyok");
     EXPECT_EQ(u.e.wait_for("bestmove", 500), "");
     auto start = std::chrono::steady_clock::now();
-    u.e.send_line("stop");
-    EXPECT_NE(u.e.wait_for("bestmove", 5000), "");
+    EXPECT_NE(u.e.ask("stop", "bestmove", 5000), "");
     double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     RecordProperty("stop_to_bestmove_ms", int(ms));
     EXPECT_LT(ms, 2000); // a hang guard, not a speed test
 
     // A ponder search that ends on its own (mate in one) waits for ponderhit.
     u.e.send_line("position fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1");
-    u.e.send_line("go ponder wtime 10000 btime 10000");
-    EXPECT_EQ(u.e.wait_for("bestmove", 700), "");
-    u.e.send_line("ponderhit");
-    EXPECT_EQ(u.e.wait_for("bestmove", 5000), "bestmove a1a8");
+    EXPECT_EQ(u.e.ask("go ponder wtime 10000 btime 10000", "bestmove", 700), "");
+    EXPECT_EQ(u.e.ask("ponderhit", "bestmove", 5000), "bestmove a1a8");
 
     // go ponder then stop.
     u.e.send_line("position startpos moves e2e4");
-    u.e.send_line("go ponder wtime 10000 btime 10000");
-    EXPECT_EQ(u.e.wait_for("bestmove", 300), "");
-    u.e.send_line("stop");
-    EXPECT_NE(u.e.wait_for("bestmove", 5000), "");
-    u.e.send_line("quit");
-    EXPECT_EQ(u.e.wait_exit(), 0);
+    EXPECT_EQ(u.e.ask("go ponder wtime 10000 btime 10000", "bestmove", 300), "");
+    EXPECT_NE(u.e.ask("stop", "bestmove", 5000), "");
+    EXPECT_EQ(u.e.quit(), 0);
 }
 
 // Engine against itself through the protocol, with a clock: every move must
@@ -150,7 +143,6 @@ TEST(UciSearch, SelfPlayGameStaysLegal)
         protocol_mode = saved_mode;
         EXPECT_GT(ply, 10);
         free_test_thread(t);
-        u.e.send_line("quit");
-        EXPECT_EQ(u.e.wait_exit(), 0);
+        EXPECT_EQ(u.e.quit(), 0);
     }
 }

@@ -16,10 +16,8 @@ TEST(UciSession, HandshakeReadyAndQuit)
     std::string line;
     ASSERT_TRUE(e.read_line(&line));
     EXPECT_EQ(line, "id author Tamsin Vell");
-    e.send_line("isready");
-    EXPECT_EQ(e.wait_for("readyok"), "readyok");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.ask("isready", "readyok"), "readyok");
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(UciSession, LinesAreFramedWhateverTheWrites)
@@ -43,8 +41,7 @@ TEST(UciSession, LinesAreFramedWhateverTheWrites)
     e.send(noise + "\n" + std::string(12000, 'x') + "\nis@ready\n\r\n");
     e.send("isready\n");
     EXPECT_EQ(e.wait_for("readyok", 15000), "readyok");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(UciSession, EndOfInputActsAsQuit)
@@ -59,12 +56,10 @@ TEST(UciSession, EndOfInputActsAsQuit)
 TEST(UciSession, IllegalMoveInPositionIsReported)
 {
     EngineProcess e;
-    e.send_line("position startpos moves e2e4 e7e5 e1e3 g1f3");
-    EXPECT_EQ(e.wait_for("info string illegal"), "info string illegal move e1e3");
-    e.send_line("position fen 8/8/8/8/8/8/8/4K3 w - - 0 1");
-    EXPECT_NE(e.wait_for("info string invalid position"), "");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.ask("position startpos moves e2e4 e7e5 e1e3 g1f3", "info string illegal"),
+              "info string illegal move e1e3");
+    EXPECT_NE(e.ask("position fen 8/8/8/8/8/8/8/4K3 w - - 0 1", "info string invalid position"), "");
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(UciSession, LogHoldsOutputAndCommands)
@@ -72,10 +67,8 @@ TEST(UciSession, LogHoldsOutputAndCommands)
     std::string dir = make_temp_dir();
     {
         EngineProcess e({"-log"}, dir);
-        e.send_line("isready");
-        EXPECT_EQ(e.wait_for("readyok"), "readyok");
-        e.send_line("quit");
-        EXPECT_EQ(e.wait_exit(), 0);
+        EXPECT_EQ(e.ask("isready", "readyok"), "readyok");
+        EXPECT_EQ(e.quit(), 0);
     }
     std::string text = read_text_file(dir + "/korvel.log");
     EXPECT_NE(text.find("CMD: isready\nreadyok\nCMD: quit\n"), std::string::npos) << text;
@@ -85,19 +78,15 @@ TEST(UciSession, LogHoldsOutputAndCommands)
     mkdir((busy + "/korvel.log").c_str(), 0755);
     EngineProcess e({"-log"}, busy);
     EXPECT_EQ(e.wait_for("log file"), "log file in use.");
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.quit(), 0);
 }
 
 TEST(ConsoleSession, PerftAndMoves)
 {
     EngineProcess e({"-c"});
-    e.send_line("perft 3");
-    EXPECT_EQ(e.wait_for("visited").rfind("visited 8902 nodes in ", 0), 0u);
-    e.send_line("e4");
-    EXPECT_NE(e.wait_for("rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"), "");
-    e.send_line("Ke7x");
-    EXPECT_EQ(e.wait_for("can't"), "can't parse move 'Ke7x'");
+    EXPECT_EQ(e.ask("perft 3", "visited").rfind("visited 8902 nodes in ", 0), 0u);
+    EXPECT_NE(e.ask("e4", "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"), "");
+    EXPECT_EQ(e.ask("Ke7x", "can't"), "can't parse move 'Ke7x'");
     e.send_line("uci"); // switches to UCI for good
     EXPECT_EQ(e.wait_for("uciok"), "uciok");
     e.send_line("perft 3"); // a console word is now ignored
@@ -105,6 +94,5 @@ TEST(ConsoleSession, PerftAndMoves)
     std::vector<std::string> seen;
     EXPECT_EQ(e.wait_for("readyok", 10000, &seen), "readyok");
     EXPECT_EQ(seen.size(), 1u);
-    e.send_line("quit");
-    EXPECT_EQ(e.wait_exit(), 0);
+    EXPECT_EQ(e.quit(), 0);
 }

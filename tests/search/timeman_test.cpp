@@ -15,9 +15,6 @@ class TimeManagement : public ::testing::Test
   protected:
     void SetUp() override
     {
-        saved_ = game_thread;
-        game_thread = new_test_thread();
-        set_position(&game_thread->pos, START_FEN);
         search_settings.ponder = 0;
         search_settings.move_overhead = 50;
         limits.full_nps = 1e6;
@@ -26,13 +23,8 @@ class TimeManagement : public ::testing::Test
         limits.search_state = SEARCH_REQUESTED;
         settings.changed = search_settings.changed = 0;
     }
-    void TearDown() override
-    {
-        limits.search_state = SEARCH_IDLE;
-        free_test_thread(game_thread);
-        game_thread = saved_;
-    }
-    SearchThread* saved_ = nullptr;
+    void TearDown() override { limits.search_state = SEARCH_IDLE; }
+    ScopedGameThread game_;
 };
 
 } // namespace

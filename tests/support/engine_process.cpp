@@ -131,7 +131,7 @@ int EngineProcess::wait_exit(int timeout_ms)
             if (n > 0)
                 buffer_.append(chunk, size_t(n));
             else
-                usleep(5000);  // end of output: just wait for the exit
+                usleep(5000); // end of output: just wait for the exit
             if (buffer_.size() > (1 << 20))
                 buffer_.clear();
         } else {

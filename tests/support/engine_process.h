@@ -19,8 +19,20 @@ class EngineProcess
     bool read_line(std::string* line, int timeout_ms = 10000);
     // Reads until a line starting with `prefix`; returns it ("" on timeout).
     std::string wait_for(const std::string& prefix, int timeout_ms = 10000, std::vector<std::string>* seen = nullptr);
+    // Sends `line`, then reads until a line starting with `prefix` ("" on timeout).
+    std::string ask(const std::string& line, const std::string& prefix, int timeout_ms = 10000)
+    {
+        send_line(line);
+        return wait_for(prefix, timeout_ms);
+    }
     // Waits for the process to end; returns its exit status or -1 on timeout.
     int wait_exit(int timeout_ms = 10000);
+    // Sends "quit" and returns the exit status, as wait_exit does.
+    int quit(int timeout_ms = 10000)
+    {
+        send_line("quit");
+        return wait_exit(timeout_ms);
+    }
 
   private:
     pid_t pid_ = -1;

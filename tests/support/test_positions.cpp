@@ -26,6 +26,18 @@ void free_test_thread(SearchThread* t)
     free_search_thread(t);
 }
 
+ScopedGameThread::ScopedGameThread() : saved_(game_thread)
+{
+    game_thread = new_test_thread();
+    set_position(&game_thread->pos, START_FEN);
+}
+
+ScopedGameThread::~ScopedGameThread()
+{
+    free_test_thread(game_thread);
+    game_thread = saved_;
+}
+
 void set_test_position(SearchThread* t, const std::string& fen)
 {
     set_position(&t->pos, fen.c_str());

@@ -16,6 +16,20 @@ struct PerftCase {
 SearchThread* new_test_thread();
 void free_test_thread(SearchThread* t);
 
+// Stands in a fresh game thread on the start position for the engine's own
+// while it lives, for tests of the commands that act on the game.
+class ScopedGameThread
+{
+  public:
+    ScopedGameThread();
+    ~ScopedGameThread();
+    ScopedGameThread(const ScopedGameThread&) = delete;
+    ScopedGameThread& operator=(const ScopedGameThread&) = delete;
+
+  private:
+    SearchThread* saved_;
+};
+
 // Sets the thread's position, failing the test on an invalid FEN.
 void set_test_position(SearchThread* t, const std::string& fen);
 

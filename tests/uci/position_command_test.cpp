@@ -13,17 +13,6 @@ namespace
 class PositionCommand : public ::testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        saved_ = game_thread;
-        game_thread = new_test_thread();
-        set_position(&game_thread->pos, START_FEN);
-    }
-    void TearDown() override
-    {
-        free_test_thread(game_thread);
-        game_thread = saved_;
-    }
     std::string fen() const
     {
         char text[128];
@@ -36,7 +25,7 @@ class PositionCommand : public ::testing::Test
         std::strcpy(buffer, args);
         position_command(buffer);
     }
-    SearchThread* saved_ = nullptr;
+    ScopedGameThread game_;
 };
 
 } // namespace
@@ -81,9 +70,7 @@ TEST_F(PositionCommand, VeryLongGamesKeepTheirHistoryBounded)
 
 TEST(GoCommand, ParsesLimits)
 {
-    SearchThread* saved = game_thread;
-    game_thread = new_test_thread();
-    set_position(&game_thread->pos, START_FEN);
+    ScopedGameThread game;
     limits.base_max_depth = MAX_SEARCH_DEPTH;
     go_command("wtime -100 btime 2500 winc 30 binc 40");
     EXPECT_EQ(limits.white_time, 0.0);
@@ -105,6 +92,4 @@ TEST(GoCommand, ParsesLimits)
     EXPECT_EQ(limits.search_state, PONDER_REQUESTED);
     EXPECT_DOUBLE_EQ(limits.move_time, 1.5);
     limits.search_state = SEARCH_IDLE;
-    free_test_thread(game_thread);
-    game_thread = saved;
 }
