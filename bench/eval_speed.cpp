@@ -46,7 +46,7 @@ int main(int argc, char** argv)
         double start = now_seconds();
         for (const Position& p : positions) {
             t->pos = p;
-            t->pos.thread = t;
+            t->pos.undo = t->undo;
             sum += evaluate(t, p.side, 2, 0, 0);
         }
         cold += now_seconds() - start;
@@ -54,7 +54,7 @@ int main(int argc, char** argv)
         start = now_seconds();
         for (const Position& p : positions) {
             t->pos = p;
-            t->pos.thread = t;
+            t->pos.undo = t->undo;
             sum += evaluate(t, p.side, 2, 0, 0);
         }
         warm += now_seconds() - start;

@@ -2,7 +2,6 @@
 
 #include "board/legality.h"
 #include "board/movegen.h"
-#include "search/search_thread.h"
 
 namespace
 {
@@ -29,15 +28,14 @@ int is_draw(const Position* pos, int ply_from_root)
         if (!has_legal_move(pos))
             return 1;
     }
-    const SearchThread* t = pos->thread;
-    int now = t->game_ply;
+    int now = pos->game_ply;
     int oldest = now - pos->fifty;
     if (oldest < 0)
         oldest = 0;
     int root = now - ply_from_root;
     bool seen_before_root = false;
     for (int i = now - 4; i >= oldest; i -= 2) {
-        if (t->undo[i].key != pos->key)
+        if (pos->undo[i].key != pos->key)
             continue;
         if (i >= root || seen_before_root)
             return 1;

@@ -4,8 +4,7 @@
 #include "board/makemove.h"
 #include "board/notation.h"
 #include "board/zobrist.h"
-#include "search/search_thread.h"
-#include "uci/output.h"
+#include "output/output.h"
 
 #include <cstring>
 
@@ -123,10 +122,9 @@ int read_fen(Position* pos, const char* text)
 
 int set_position(Position* pos, const char* text)
 {
-    SearchThread* t = pos->thread;
-    t->game_ply = 0;
-    t->search_ply = 1;
-    t->last_move = 0;
+    pos->game_ply = 0;
+    pos->search_ply = 1;
+    pos->last_move = 0;
     return read_fen(pos, text);
 }
 

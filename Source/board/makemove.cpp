@@ -2,8 +2,6 @@
 
 #include "board/position_check.h"
 #include "board/zobrist.h"
-#include "search/search_thread.h"
-#include "uci/output.h"
 
 namespace
 {
@@ -92,14 +90,12 @@ uint64_t key_after(const Position* pos, Move move)
 
 void make_move(Position* pos, Move move)
 {
-    SearchThread* t = pos->thread;
-    trace_move(t, move);
     int from = move_from(move), to = move_to(move);
     int piece = pos->board[from];
     int s = pos->side;
     int step = PAWN_STEP[s];
 
-    UndoRecord* u = &t->undo[t->game_ply];
+    UndoRecord* u = &pos->undo[pos->game_ply];
     u->key = pos->key;
     u->pawn_key = pos->pawn_key;
     u->move = move;
@@ -107,9 +103,9 @@ void make_move(Position* pos, Move move)
     u->ep_square = pos->ep_square;
     u->fifty = pos->fifty;
     u->castling = pos->castling;
-    t->game_ply++;
-    t->search_ply++;
-    t->last_move = move;
+    pos->game_ply++;
+    pos->search_ply++;
+    pos->last_move = move;
 
     int old_ep = pos->ep_square;
     int old_castling = pos->castling;
@@ -158,11 +154,10 @@ void make_move(Position* pos, Move move)
 
 void unmake_move(Position* pos)
 {
-    SearchThread* t = pos->thread;
-    t->game_ply--;
-    t->search_ply--;
-    const UndoRecord* u = &t->undo[t->game_ply];
-    t->last_move = t->game_ply > 0 ? t->undo[t->game_ply - 1].move : 0;
+    pos->game_ply--;
+    pos->search_ply--;
+    const UndoRecord* u = &pos->undo[pos->game_ply];
+    pos->last_move = pos->game_ply > 0 ? pos->undo[pos->game_ply - 1].move : 0;
 
     Move move = u->move;
     int from = move_from(move), to = move_to(move);
@@ -196,37 +191,34 @@ void unmake_move(Position* pos)
 
 void make_null(Position* pos)
 {
-    SearchThread* t = pos->thread;
-    trace_move(t, 0);
-    UndoRecord* u = &t->undo[t->game_ply];
+    UndoRecord* u = &pos->undo[pos->game_ply];
     u->key = pos->key;
     u->move = 0;
     u->captured = 0;
     u->ep_square = pos->ep_square;
     u->fifty = pos->fifty;
     u->castling = pos->castling;
-    t->game_ply++;
-    t->search_ply++;
+    pos->game_ply++;
+    pos->search_ply++;
     // A reset counter keeps the draw test from looking back across the null move.
     pos->fifty = 0;
     if (pos->ep_square != NO_SQUARE)
         pos->key ^= ZOBRIST[pos->ep_square];
     pos->ep_square = NO_SQUARE;
     pos->side ^= 1;
-    t->last_move = 0;
+    pos->last_move = 0;
     pos->key = (pos->key & ~1ULL) + pos->side;
 }
 
 void unmake_null(Position* pos)
 {
-    SearchThread* t = pos->thread;
-    t->game_ply--;
-    t->search_ply--;
-    const UndoRecord* u = &t->undo[t->game_ply];
+    pos->game_ply--;
+    pos->search_ply--;
+    const UndoRecord* u = &pos->undo[pos->game_ply];
     pos->ep_square = u->ep_square;
     pos->castling = u->castling;
     pos->fifty = u->fifty;
     pos->key = u->key;
     pos->side ^= 1;
-    t->last_move = t->game_ply > 0 ? t->undo[t->game_ply - 1].move : 0;
+    pos->last_move = pos->game_ply > 0 ? pos->undo[pos->game_ply - 1].move : 0;
 }

@@ -4,8 +4,7 @@
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "board/movegen.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
+#include "output/output.h"
 
 #include <cctype>
 #include <cstring>
@@ -60,8 +59,6 @@ void cut_at_plus(char* text)
 }
 
 } // namespace
-
-int16_t protocol_mode = 1;
 
 void move_to_coord(Move move, char* text)
 {

@@ -1,13 +1,18 @@
 // The board record. One per search thread and one for the game; it can be
-// copied with a single block copy.
+// copied with a single block copy. The undo records of the game and of the
+// current search line live in an array beside it (see Game below); a copy
+// shares that array, which is safe as long as every make has its unmake.
 #pragma once
 
 #include "board/bitboard.h"
 
-struct SearchThread;
+struct UndoRecord;
 
 struct Position {
-    SearchThread* thread;           // owner: undo history and ply counters live there
+    UndoRecord* undo;               // the history: record i describes the move from ply i to i + 1
+    int16_t game_ply;               // records in use, the index of the next one
+    int16_t search_ply;             // ply of the current node in a search; 1 after set-up
+    uint16_t last_move;             // the move that led here, 0 if none
     uint8_t board[64];              // piece code per square
     Bitboard pieces[2][8];          // [side][0] all men of the side, [side][type] per type
     uint64_t key;                   // Zobrist key; bit 0 is the side to move
@@ -52,3 +57,23 @@ constexpr uint8_t castle_mask_of(int sq)
 {
     return sq == 0 ? 2 : sq == 4 ? 3 : sq == 7 ? 1 : sq == 56 ? 8 : sq == 60 ? 12 : sq == 63 ? 4 : 0;
 }
+
+// A position with a history of its own: what the front end keeps for the
+// game, and what tools and tests set positions up in. Search threads hold
+// their position and undo array the same way.
+struct Game {
+    Position pos;
+    UndoRecord undo[MAX_GAME_PLY];
+};
+
+// Points the position at its own undo array; once per record (and again
+// after the record has been copied whole).
+inline Position* game_init(Game* g)
+{
+    g->pos.undo = g->undo;
+    return &g->pos;
+}
+
+// Copies a position and the undo records of its game into `dst`, whose
+// position keeps pointing at `dst_undo`.
+void copy_position(Position* dst, UndoRecord* dst_undo, const Position* src);

@@ -1,6 +1,6 @@
 #include "board/zobrist.h"
 
-#include "uci/output.h"
+#include "output/output.h"
 
 uint64_t ZOBRIST[1024];
 

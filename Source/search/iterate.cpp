@@ -7,18 +7,18 @@
 #include "board/notation.h"
 #include "board/see.h"
 #include "eval/evaluate.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/history.h"
 #include "search/limits.h"
 #include "search/search.h"
 #include "search/search_params.h"
 #include "search/search_thread.h"
+#include "search/search_trace.h"
 #include "search/search_values.h"
 #include "search/threads.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
 #include <algorithm>
@@ -221,6 +221,7 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
                     ? 1
                     : 0;
         pi.current_move = e;
+        trace_move(t, move);
         make_move(pos, move);
         int v;
         if (tried == 0 || depth < 2) {
@@ -345,7 +346,7 @@ void iterate(SearchThread* t)
             limits.root_score_by_depth[d] = int16_t(t->root_score);
         }
         // Step 5: mate found, depth reached, or the game too long.
-        if (std::abs(t->root_score) >= MATE - 1 - d || d >= max_depth || t->game_ply + d > LAST_GAME_PLY)
+        if (std::abs(t->root_score) >= MATE - 1 - d || d >= max_depth || t->pos.game_ply + d > LAST_GAME_PLY)
             break;
     }
     if (main && !search_stopped())

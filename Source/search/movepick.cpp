@@ -71,7 +71,7 @@ void score_captures(SearchThread* t, PlyInfo& pi, MoveEntry* begin, MoveEntry* e
 
 void score_quiets(SearchThread* t, int ply, PlyInfo& pi, MoveEntry* begin, MoveEntry* end)
 {
-    if (t->search_ply <= ROOT_PLY) {
+    if (t->pos.search_ply <= ROOT_PLY) {
         for (MoveEntry* e = begin; e != end; e++)
             e->score = 0;
         return;

@@ -6,6 +6,7 @@
 #include "search/movepick.h"
 #include "search/search.h"
 #include "search/search_thread.h"
+#include "search/search_trace.h"
 #include "search/search_values.h"
 #include "search/tt.h"
 
@@ -82,6 +83,7 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
         // h: search it.
         pi.current_move = m;
         tt_prefetch(key_after(pos, move));
+        trace_move(t, move);
         make_move(pos, move);
         int v = -search_node(t, enemy, ply + 1, depth - 1, -beta, -a, -node_type, child_pv);
         unmake_move(pos);

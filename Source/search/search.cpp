@@ -15,6 +15,7 @@
 #include "search/movepick.h"
 #include "search/search_params.h"
 #include "search/search_thread.h"
+#include "search/search_trace.h"
 #include "search/search_values.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
@@ -312,6 +313,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
             && m1 != &NULL_MOVE_ENTRY && m2 != &NULL_MOVE_ENTRY) {
             int R = depth > 9 && non_pawn_units(pos, side) >= 4 ? 4 : 3;
             pi.current_move = &NULL_MOVE_ENTRY;
+            trace_move(t, 0);
             make_null(pos);
             t->null_moves_on_path++;
             int v = -search_node(t, side ^ 1, ply + 1, std::max(depth - R, 1) - 1, -beta, -alpha, NODE_CUT, pv);
@@ -426,6 +428,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
         // Step 5: search the move.
         pi.current_move = e;
         tt_prefetch(key_after(pos, move));
+        trace_move(t, move);
         make_move(pos, move);
         int v;
         if (pi.moves_tried > 0 && depth >= 2) {
@@ -512,6 +515,7 @@ bool probcut(SearchThread* t, int ply, int depth, int beta)
         if (swap(pos, side, move_from(move), move_to(move)) <= PROBCUT_SEE)
             continue;
         pi.current_move = next;
+        trace_move(t, move);
         make_move(pos, move);
         int v = -search_node(t, side ^ 1, ply + 1, draft - 1, -rbeta, -rbeta + 1, NODE_ALL, child_pv);
         unmake_move(pos);

@@ -26,11 +26,7 @@ void free_search_thread(SearchThread* t)
 
 void copy_game_into(SearchThread* t)
 {
-    const SearchThread* g = game_thread;
-    t->pos = g->pos;
-    t->pos.thread = t;
-    std::memcpy(t->undo, g->undo, sizeof(UndoRecord) * size_t(g->game_ply + 1));
-    t->game_ply = g->game_ply;
-    t->search_ply = ROOT_PLY;
-    t->last_move = 0;
+    copy_position(&t->pos, t->undo, &game_thread->pos);
+    t->pos.search_ply = ROOT_PLY;
+    t->pos.last_move = 0;
 }

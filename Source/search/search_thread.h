@@ -60,9 +60,6 @@ enum ThreadCommand : uint8_t {
 struct SearchThread {
     Position pos;
     UndoRecord undo[MAX_GAME_PLY];
-    int16_t game_ply;   // undo records in use, the index of the next one
-    int16_t search_ply; // ply of the current node; 1 after set-up
-    uint16_t last_move; // move that led here, 0 if none
     int thread_number;
     std::atomic<uint8_t> command;
 
@@ -107,7 +104,7 @@ extern SearchThread* game_thread;
 // Points a position at its record; to be called once per record.
 inline void attach_position(SearchThread* t)
 {
-    t->pos.thread = t;
+    t->pos.undo = t->undo;
 }
 
 // Allocates a zeroed record with its position attached; nullptr on failure.

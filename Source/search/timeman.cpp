@@ -2,14 +2,13 @@
 
 #include "board/fen.h"
 #include "eval/params.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/limits.h"
 #include "search/search_params.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/tt.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
 #include <algorithm>
@@ -31,7 +30,7 @@ void set_target_time()
 {
     const SearchThread* g = game_thread;
     int side = g->pos.side;
-    int ply = g->game_ply;
+    int ply = g->pos.game_ply;
     double& clock = own_clock(side);
     if (limits.fixed_limit == 1) {
         limits.target_time = limits.move_time;
@@ -151,12 +150,12 @@ void prepare_search()
         double clock = own_clock(game_thread->pos.side);
         if (protocol_mode == 1) {
             log_line(format_line(line, sizeof line, "info string fen %s", fen));
-            log_line(format_line(line, sizeof line, "info string ply= %d, trg_time= %0.3f sec", game_thread->game_ply,
-                                 limits.target_time));
+            log_line(format_line(line, sizeof line, "info string ply= %d, trg_time= %0.3f sec",
+                                 game_thread->pos.game_ply, limits.target_time));
         } else {
             send_line(format_line(line, sizeof line, "fen %s", fen));
             send_line(format_line(line, sizeof line, "Ply= %d, cnt50= %d, Clock= %0.2fs, Target time= %0.2fs",
-                                  game_thread->game_ply, game_thread->pos.fifty, clock, limits.target_time));
+                                  game_thread->pos.game_ply, game_thread->pos.fifty, clock, limits.target_time));
         }
     }
 }

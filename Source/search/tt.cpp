@@ -2,10 +2,10 @@
 
 #include "board/movegen.h"
 #include "board/zobrist.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/limits.h"
 #include "search/threads.h"
-#include "uci/output.h"
 
 #include <atomic>
 #include <cstring>

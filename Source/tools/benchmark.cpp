@@ -1,6 +1,7 @@
 #include "tools/benchmark.h"
 
 #include "board/fen.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/iterate.h"
 #include "search/limits.h"
@@ -10,7 +11,6 @@
 #include "search/tt.h"
 #include "uci/engine_name.h"
 #include "uci/input.h"
-#include "uci/output.h"
 
 namespace
 {

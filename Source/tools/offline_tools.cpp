@@ -1,6 +1,6 @@
 #include "tools/offline_tools.h"
 
-#include "uci/output.h"
+#include "output/output.h"
 
 namespace
 {

@@ -4,12 +4,12 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/timeman.h"
-#include "uci/output.h"
 
 namespace
 {
@@ -23,7 +23,6 @@ void calibrate_speed()
 {
     SearchThread* t = worker(0) ? worker(0) : game_thread;
     Position saved = t->pos;
-    int16_t saved_ply = t->game_ply;
     set_position(&t->pos, START_FEN);
     double start = now_seconds(), elapsed = 0;
     uint64_t nodes = 0;
@@ -42,8 +41,6 @@ void calibrate_speed()
         elapsed = now_seconds() - start;
     } while (elapsed < CALIBRATION_SECONDS);
     t->pos = saved;
-    t->pos.thread = t;
-    t->game_ply = saved_ply;
     double speed = double(nodes) * SEARCH_SPEED_FACTOR / (elapsed + 0.001);
     limits.full_nps = speed;
     limits.full_elo = elo_of_rate(speed);

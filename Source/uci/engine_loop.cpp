@@ -6,6 +6,7 @@
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/iterate.h"
 #include "search/limits.h"
@@ -16,8 +17,6 @@
 #include "uci/console_commands.h"
 #include "uci/game.h"
 #include "uci/input.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
 #include <cmath>
@@ -46,9 +45,9 @@ void start_search()
     const Position* pos = &game_thread->pos;
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
         Move move = 0;
-        if (game_thread->game_ply < search_settings.book_depth)
+        if (game_thread->pos.game_ply < search_settings.book_depth)
             move = book_probe(pos, search_settings.book_file);
-        if (!move && game_thread->game_ply < search_settings.book2_depth)
+        if (!move && game_thread->pos.game_ply < search_settings.book2_depth)
             move = book_probe(pos, search_settings.book2_file);
         move = checked_book_move(move);
         if (move) {

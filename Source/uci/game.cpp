@@ -3,9 +3,8 @@
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/notation.h"
+#include "output/output.h"
 #include "search/search_thread.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 
 #include <cstdio>
 #include <cstring>
@@ -32,11 +31,11 @@ GameRecord record;
 
 void trim_history(SearchThread* t)
 {
-    if (t->game_ply < HISTORY_LIMIT)
+    if (t->pos.game_ply < HISTORY_LIMIT)
         return;
-    int drop = t->game_ply - KEPT_HISTORY;
+    int drop = t->pos.game_ply - KEPT_HISTORY;
     std::memmove(t->undo, t->undo + drop, sizeof(UndoRecord) * KEPT_HISTORY);
-    t->game_ply = int16_t(KEPT_HISTORY);
+    t->pos.game_ply = int16_t(KEPT_HISTORY);
 }
 
 void make_recorded(Move move)
@@ -63,9 +62,9 @@ int set_game_position(const char* fen)
         return 0;
     }
     game_thread->pos = candidate;
-    game_thread->game_ply = 0;
-    game_thread->search_ply = 1;
-    game_thread->last_move = 0;
+    game_thread->pos.game_ply = 0;
+    game_thread->pos.search_ply = 1;
+    game_thread->pos.last_move = 0;
     write_fen(&candidate, record.start_fen);
     record.count = record.available = 0;
     return 1;
@@ -84,7 +83,7 @@ void play_game_move(Move move)
 
 int undo_game_move()
 {
-    if (game_thread->game_ply <= 0 || record.count <= 0)
+    if (game_thread->pos.game_ply <= 0 || record.count <= 0)
         return 0;
     unmake_move(&game_thread->pos);
     record.count--;
@@ -144,8 +143,8 @@ int save_game(const char* file)
             column = 0;
         }
         make_move(&scratch->pos, record.moves[i]);
-        if (scratch->game_ply >= MAX_GAME_PLY - 1)
-            scratch->game_ply = 0; // only the position matters here
+        if (scratch->pos.game_ply >= MAX_GAME_PLY - 1)
+            scratch->pos.game_ply = 0; // only the position matters here
     }
     std::fprintf(f, "*\n\n");
     std::fclose(f);

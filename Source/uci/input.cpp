@@ -1,7 +1,7 @@
 #include "uci/input.h"
 
+#include "output/output.h"
 #include "uci/console_commands.h"
-#include "uci/protocol_mode.h"
 #include "uci/uci_commands.h"
 
 #include <cstring>

@@ -2,9 +2,11 @@
 #include "board/fen.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
+#include "output/output.h"
 #include "search/limits.h"
 #include "search/search_params.h"
 #include "search/search_thread.h"
+#include "search/search_trace.h"
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
@@ -15,8 +17,6 @@
 #include "uci/calibration.h"
 #include "uci/engine_loop.h"
 #include "uci/options.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
 
@@ -217,6 +217,7 @@ int main(int argc, char** argv)
     tt_free();
     free_search_thread(game_thread);
     game_thread = nullptr;
-    close_output_files();
+    close_log_file();
+    close_trace_file();
     return 0;
 }

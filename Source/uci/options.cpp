@@ -1,11 +1,11 @@
 #include "uci/options.h"
 
+#include "output/output.h"
 #include "search/limits.h"
 #include "search/threads.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
 #include "uci/bounded_input.h"
-#include "uci/output.h"
 #include "uci/settings.h"
 
 #include <cstdio>

@@ -1,12 +1,12 @@
 #include "uci/position_editor.h"
 
 #include "board/fen.h"
+#include "output/output.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "uci/bounded_input.h"
 #include "uci/console_commands.h"
 #include "uci/game.h"
-#include "uci/output.h"
 
 #include <cctype>
 #include <cstring>

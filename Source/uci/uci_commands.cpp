@@ -2,6 +2,7 @@
 
 #include "board/fen.h"
 #include "board/movegen.h"
+#include "output/output.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
@@ -12,8 +13,6 @@
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/options.h"
-#include "uci/output.h"
-#include "uci/protocol_mode.h"
 #include "uci/settings.h"
 
 #include <cmath>
@@ -134,7 +133,7 @@ void new_game_command()
     stop_and_wait(STOP_SILENT);
     limits.search_state = SEARCH_IDLE;
     reset_game_limits();
-    game_thread->game_ply = 0;
+    game_thread->pos.game_ply = 0;
     if (count_busy_threads() == 0)
         tt_clear();
 }
@@ -179,8 +178,8 @@ void position_command(char* args)
         }
     }
     // The search starts without a previous move.
-    game_thread->undo[game_thread->game_ply].move = 0;
-    game_thread->last_move = 0;
+    game_thread->undo[game_thread->pos.game_ply].move = 0;
+    game_thread->pos.last_move = 0;
 }
 
 void go_command(const char* args)

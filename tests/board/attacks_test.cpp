@@ -58,48 +58,48 @@ TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
 
 TEST(Attacks, AttackerQueriesFollowTheirOrder)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     // Pawn on d4 and knight on b3 both attack c5... from White: pawn b4 and knight a4.
-    set_test_position(t, "4k3/8/8/2p5/NP6/8/8/4K3 w - -");
+    set_test_position(g, "4k3/8/8/2p5/NP6/8/8/4K3 w - -");
     int c5 = make_square(2, 4);
-    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3)); // the pawn, not the knight
-    EXPECT_EQ(find_attacker(&t->pos, c5, WHITE, occupancy(&t->pos)), make_square(1, 3));
-    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, occupancy(&t->pos) & ~bit(make_square(1, 3))), make_square(0, 3));
-    EXPECT_EQ(least_attacker(&t->pos, c5, WHITE, 0), NO_SQUARE);
-    EXPECT_TRUE(is_square_attacked(&t->pos, c5, WHITE));
-    EXPECT_FALSE(is_square_attacked(&t->pos, make_square(7, 7), WHITE));
-    free_test_thread(t);
+    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, occupancy(&g->pos)), make_square(1, 3)); // the pawn, not the knight
+    EXPECT_EQ(find_attacker(&g->pos, c5, WHITE, occupancy(&g->pos)), make_square(1, 3));
+    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, occupancy(&g->pos) & ~bit(make_square(1, 3))), make_square(0, 3));
+    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, 0), NO_SQUARE);
+    EXPECT_TRUE(is_square_attacked(&g->pos, c5, WHITE));
+    EXPECT_FALSE(is_square_attacked(&g->pos, make_square(7, 7), WHITE));
+    free_test_game(g);
 }
 
 TEST(Legality, EnPassantAndCastlingEdgeCases)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     // Both pawns leave the fifth rank: the rook on a5 would see the king on h5.
-    set_test_position(t, "8/8/8/r2Pp2K/8/8/8/4k3 w - e6");
+    set_test_position(g, "8/8/8/r2Pp2K/8/8/8/4k3 w - e6");
     Move ep = make_move_code(make_square(3, 4), make_square(4, 5));
-    EXPECT_FALSE(is_legal(&t->pos, WHITE, ep));
+    EXPECT_FALSE(is_legal(&g->pos, WHITE, ep));
 
     // Queen-side castling ignores an attack on b1 but not on d1.
-    set_test_position(t, "1r2k3/8/8/8/8/8/8/R3K3 w Q -");
+    set_test_position(g, "1r2k3/8/8/8/8/8/8/R3K3 w Q -");
     Move ooo = make_move_code(4, 2);
-    EXPECT_TRUE(is_legal(&t->pos, WHITE, ooo));
-    set_test_position(t, "3rk3/8/8/8/8/8/8/R3K3 w Q -");
-    EXPECT_FALSE(is_legal(&t->pos, WHITE, ooo));
-    free_test_thread(t);
+    EXPECT_TRUE(is_legal(&g->pos, WHITE, ooo));
+    set_test_position(g, "3rk3/8/8/8/8/8/8/R3K3 w Q -");
+    EXPECT_FALSE(is_legal(&g->pos, WHITE, ooo));
+    free_test_game(g);
 }
 
 // The pin-based shortcut must agree with the full test on every move.
 TEST(Legality, FastTestAgreesWithFullTest)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     for (const PerftCase& c : load_perft_cases()) {
-        set_test_position(t, c.fen);
+        set_test_position(g, c.fen);
         MoveEntry list[MAX_MOVES];
-        gen_all(&t->pos, list);
-        PinInfo info = pin_info(&t->pos, t->pos.side);
+        gen_all(&g->pos, list);
+        PinInfo info = pin_info(&g->pos, g->pos.side);
         for (MoveEntry* e = list; e->move != MOVE_END; e++)
-            ASSERT_EQ(is_legal(&t->pos, t->pos.side, e->move), is_legal_fast(&t->pos, t->pos.side, e->move, info))
+            ASSERT_EQ(is_legal(&g->pos, g->pos.side, e->move), is_legal_fast(&g->pos, g->pos.side, e->move, info))
                 << c.fen << " move " << e->move;
     }
-    free_test_thread(t);
+    free_test_game(g);
 }

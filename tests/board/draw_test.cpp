@@ -10,52 +10,52 @@ namespace
 const Move G1F3 = make_move_code(6, 21), F3G1 = make_move_code(21, 6);
 const Move G8F6 = make_move_code(62, 45), F6G8 = make_move_code(45, 62);
 
-void shuffle(SearchThread* t)
+void shuffle(Game* g)
 {
-    make_move(&t->pos, G1F3);
-    make_move(&t->pos, G8F6);
-    make_move(&t->pos, F3G1);
-    make_move(&t->pos, F6G8);
+    make_move(&g->pos, G1F3);
+    make_move(&g->pos, G8F6);
+    make_move(&g->pos, F3G1);
+    make_move(&g->pos, F6G8);
 }
 
 } // namespace
 
 TEST(Draw, FiftyMoveRuleNeedsMoreThanAHundredHalfMoves)
 {
-    SearchThread* t = new_test_thread();
-    set_test_position(t, "4k3/8/8/8/8/8/4P3/R3K3 w - -");
-    t->pos.fifty = 100;
-    EXPECT_FALSE(is_draw(&t->pos, 1));
-    t->pos.fifty = 101;
-    EXPECT_TRUE(is_draw(&t->pos, 1));
-    EXPECT_FALSE(is_draw(&t->pos, 0));                  // at the root only without a legal move
-    set_test_position(t, "k7/2Q5/1K6/8/8/8/8/8 b - -"); // stalemate
-    t->pos.fifty = 101;
-    EXPECT_TRUE(is_draw(&t->pos, 0));
-    free_test_thread(t);
+    Game* g = new_test_game();
+    set_test_position(g, "4k3/8/8/8/8/8/4P3/R3K3 w - -");
+    g->pos.fifty = 100;
+    EXPECT_FALSE(is_draw(&g->pos, 1));
+    g->pos.fifty = 101;
+    EXPECT_TRUE(is_draw(&g->pos, 1));
+    EXPECT_FALSE(is_draw(&g->pos, 0));                  // at the root only without a legal move
+    set_test_position(g, "k7/2Q5/1K6/8/8/8/8/8 b - -"); // stalemate
+    g->pos.fifty = 101;
+    EXPECT_TRUE(is_draw(&g->pos, 0));
+    free_test_game(g);
 }
 
 TEST(Draw, RepetitionBeforeTheRootNeedsTwoEarlierOccurrences)
 {
-    SearchThread* t = new_test_thread();
-    set_test_position(t, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
-    shuffle(t);
-    EXPECT_FALSE(is_draw(&t->pos, 0)); // second occurrence, both before the root
-    EXPECT_TRUE(is_draw(&t->pos, 4));  // the first one lies inside the search line
-    shuffle(t);
-    EXPECT_TRUE(is_draw(&t->pos, 0)); // third occurrence
-    free_test_thread(t);
+    Game* g = new_test_game();
+    set_test_position(g, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
+    shuffle(g);
+    EXPECT_FALSE(is_draw(&g->pos, 0)); // second occurrence, both before the root
+    EXPECT_TRUE(is_draw(&g->pos, 4));  // the first one lies inside the search line
+    shuffle(g);
+    EXPECT_TRUE(is_draw(&g->pos, 0)); // third occurrence
+    free_test_game(g);
 }
 
 TEST(Draw, NullMoveHidesEarlierPositions)
 {
-    SearchThread* t = new_test_thread();
-    set_test_position(t, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
-    make_move(&t->pos, G1F3);
-    make_null(&t->pos);
-    make_move(&t->pos, F3G1);
-    make_null(&t->pos);
+    Game* g = new_test_game();
+    set_test_position(g, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
+    make_move(&g->pos, G1F3);
+    make_null(&g->pos);
+    make_move(&g->pos, F3G1);
+    make_null(&g->pos);
     // Same placement and side as the start, but the null moves reset the counter.
-    EXPECT_FALSE(is_draw(&t->pos, 4));
-    free_test_thread(t);
+    EXPECT_FALSE(is_draw(&g->pos, 4));
+    free_test_game(g);
 }

@@ -22,7 +22,7 @@ std::string first_fields(const std::string& fen, int n = 4)
 
 TEST(Fen, WriterGivesTheFourFieldsBack)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     std::vector<std::string> fens;
     for (const PerftCase& c : load_perft_cases())
         fens.push_back(c.fen);
@@ -30,35 +30,35 @@ TEST(Fen, WriterGivesTheFourFieldsBack)
         fens.push_back(f);
     char out[128];
     for (const std::string& f : fens) {
-        EXPECT_EQ(set_position(&t->pos, f.c_str()), 0) << f;
-        write_fen(&t->pos, out);
+        EXPECT_EQ(set_position(&g->pos, f.c_str()), 0) << f;
+        write_fen(&g->pos, out);
         EXPECT_EQ(out, first_fields(f)) << f;
     }
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(Fen, ReaderDetails)
 {
-    SearchThread* t = new_test_thread();
-    t->game_ply = 9;
-    EXPECT_EQ(set_position(&t->pos, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1"), 0);
-    EXPECT_EQ(t->pos.ep_square, 20);
-    EXPECT_EQ(t->pos.fifty, 0);
-    EXPECT_EQ(t->game_ply, 0);
-    EXPECT_EQ(t->search_ply, 1);
+    Game* g = new_test_game();
+    g->pos.game_ply = 9;
+    EXPECT_EQ(set_position(&g->pos, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1"), 0);
+    EXPECT_EQ(g->pos.ep_square, 20);
+    EXPECT_EQ(g->pos.fifty, 0);
+    EXPECT_EQ(g->pos.game_ply, 0);
+    EXPECT_EQ(g->pos.search_ply, 1);
     char out[128];
-    write_fen(&t->pos, out);
+    write_fen(&g->pos, out);
     EXPECT_STREQ(out, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
 
     // A right without its rook is removed (and reported).
-    EXPECT_EQ(set_position(&t->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
-    EXPECT_EQ(t->pos.castling, 2 | 4 | 8);
-    free_test_thread(t);
+    EXPECT_EQ(set_position(&g->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
+    EXPECT_EQ(g->pos.castling, 2 | 4 | 8);
+    free_test_game(g);
 }
 
 TEST(Fen, UnplayablePositionsAreNamed)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     struct Case {
         const char* fen;
         bool ok;
@@ -73,10 +73,10 @@ TEST(Fen, UnplayablePositionsAreNamed)
         {"QQQQkQQQ/QQQQQQQQ/8/8/8/8/8/4K3 b - -", false}, // impossible material
     };
     for (const Case& c : cases) {
-        read_fen(&t->pos, c.fen);
-        EXPECT_EQ(position_problem(&t->pos) == nullptr, c.ok) << c.fen;
+        read_fen(&g->pos, c.fen);
+        EXPECT_EQ(position_problem(&g->pos) == nullptr, c.ok) << c.fen;
     }
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(Epd, SplitterTakesOnlyTerminatedOperations)

@@ -26,92 +26,92 @@ Move mv(const char* from, const char* to, Move flags = 0)
 
 TEST(MoveGen, GenerationOrderAndPromotions)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     // Pawn on b7 with a rook to take on a8 and a square ahead: its moves come
     // only from the promotion generator, Q N B R per target.
-    set_test_position(t, "r3k3/1P6/8/8/8/8/8/4K3 w - -");
+    set_test_position(g, "r3k3/1P6/8/8/8/8/8/4K3 w - -");
     MoveEntry list[MAX_MOVES];
-    EXPECT_EQ(gen_captures(&t->pos, WHITE, list, NO_SQUARE) - list, 0);
-    MoveEntry* end = gen_quiets(&t->pos, WHITE, list, NO_SQUARE);
+    EXPECT_EQ(gen_captures(&g->pos, WHITE, list, NO_SQUARE) - list, 0);
+    MoveEntry* end = gen_quiets(&g->pos, WHITE, list, NO_SQUARE);
     for (MoveEntry* e = list; e != end; e++)
         EXPECT_NE(piece_type(e->piece), PAWN);
-    end = gen_promotions(&t->pos, WHITE, true, list);
+    end = gen_promotions(&g->pos, WHITE, true, list);
     std::vector<Move> expected = {mv("b7", "b8", PROMO_QUEEN),  mv("b7", "b8", PROMO_KNIGHT),
                                   mv("b7", "b8", PROMO_BISHOP), mv("b7", "b8", PROMO_ROOK),
                                   mv("b7", "a8", PROMO_QUEEN),  mv("b7", "a8", PROMO_KNIGHT),
                                   mv("b7", "a8", PROMO_BISHOP), mv("b7", "a8", PROMO_ROOK)};
     EXPECT_EQ(moves_of(list, end), expected);
-    EXPECT_EQ(gen_promotions(&t->pos, WHITE, false, list) - list, 2);
+    EXPECT_EQ(gen_promotions(&g->pos, WHITE, false, list) - list, 2);
 
     // Pawn captures: towards the a-file first, each group by target square.
-    set_test_position(t, "4k3/8/8/1p1p1p2/2P1P3/8/8/4K3 w - -");
-    end = gen_captures(&t->pos, WHITE, list, NO_SQUARE);
+    set_test_position(g, "4k3/8/8/1p1p1p2/2P1P3/8/8/4K3 w - -");
+    end = gen_captures(&g->pos, WHITE, list, NO_SQUARE);
     expected = {mv("c4", "b5"), mv("e4", "d5"), mv("c4", "d5"), mv("e4", "f5")};
     EXPECT_EQ(moves_of(list, end), expected);
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(MoveGen, EvasionsAndCastling)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     // The pawn that just double-stepped to c4 gives check; with it as the
     // checker, the en-passant capture is still offered.
-    set_test_position(t, "8/8/8/3k4/2Pp4/8/8/3K4 b - c3");
+    set_test_position(g, "8/8/8/3k4/2Pp4/8/8/3K4 b - c3");
     MoveEntry list[MAX_MOVES];
-    MoveEntry* end = gen_captures(&t->pos, BLACK, list, make_square(2, 3));
+    MoveEntry* end = gen_captures(&g->pos, BLACK, list, make_square(2, 3));
     EXPECT_EQ(moves_of(list, end), (std::vector<Move>{mv("d4", "c3"), mv("d5", "c4")}));
 
     // Castling is generated in check and through attacked squares.
-    set_test_position(t, "4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
-    end = gen_quiets(&t->pos, WHITE, list, NO_SQUARE);
+    set_test_position(g, "4k3/8/8/8/8/8/5r2/R3K2R w KQ -");
+    end = gen_quiets(&g->pos, WHITE, list, NO_SQUARE);
     std::vector<Move> got = moves_of(list, end);
     EXPECT_EQ(got[got.size() - 2], mv("e1", "g1"));
     EXPECT_EQ(got.back(), mv("e1", "c1"));
 
     // No moves at all: only the end marker.
-    set_test_position(t, "k7/2Q5/1K6/8/8/8/8/8 b - -");
-    EXPECT_EQ(gen_legal(&t->pos, list), 0);
+    set_test_position(g, "k7/2Q5/1K6/8/8/8/8/8 b - -");
+    EXPECT_EQ(gen_legal(&g->pos, list), 0);
     // Bare kings in a corner still have moves; a list of nothing is just the marker.
-    set_test_position(t, "8/8/8/8/8/8/8/K1k5 w - -");
-    MoveEntry* end_marker = gen_all(&t->pos, list);
+    set_test_position(g, "8/8/8/8/8/8/8/K1k5 w - -");
+    MoveEntry* end_marker = gen_all(&g->pos, list);
     EXPECT_EQ(end_marker->move, MOVE_END);
     EXPECT_EQ(end_marker - list, 3);
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(MoveGen, PseudoLegalityOfStoredMoves)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     // The rook's presence stands for the right; b1 is not examined.
-    set_test_position(t, "4k3/8/8/8/8/8/8/RN2K2R w - -");
-    EXPECT_TRUE(is_pseudo_legal(&t->pos, mv("e1", "g1")));
-    EXPECT_TRUE(is_pseudo_legal(&t->pos, mv("e1", "c1")));
-    set_test_position(t, "4k3/8/8/8/8/8/8/R1B1K1NR w KQ -");
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e1", "g1")));
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e1", "c1")));
+    set_test_position(g, "4k3/8/8/8/8/8/8/RN2K2R w - -");
+    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e1", "g1")));
+    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e1", "c1")));
+    set_test_position(g, "4k3/8/8/8/8/8/8/R1B1K1NR w KQ -");
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e1", "g1")));
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e1", "c1")));
 
     // Every generated move passes; moves of the other side and odd codes do not.
     for (const PerftCase& c : load_perft_cases()) {
-        set_test_position(t, c.fen);
+        set_test_position(g, c.fen);
         MoveEntry list[MAX_MOVES];
-        gen_all(&t->pos, list);
+        gen_all(&g->pos, list);
         for (MoveEntry* e = list; e->move != MOVE_END; e++)
-            ASSERT_TRUE(is_pseudo_legal(&t->pos, e->move)) << c.fen << " " << e->move;
+            ASSERT_TRUE(is_pseudo_legal(&g->pos, e->move)) << c.fen << " " << e->move;
     }
-    set_test_position(t, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e7", "e5")));
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "e5")));
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "e4", PROMO_QUEEN)));
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("c1", "e3"))); // blocked bishop
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e2", "d3"))); // pawn diagonal to an empty square
-    set_test_position(t, "8/4P3/8/8/8/8/k7/4K3 w - -");
-    EXPECT_FALSE(is_pseudo_legal(&t->pos, mv("e7", "e8"))); // never generated without a flag
-    free_test_thread(t);
+    set_test_position(g, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -");
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e7", "e5")));
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e2", "e5")));
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e2", "e4", PROMO_QUEEN)));
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("c1", "e3"))); // blocked bishop
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e2", "d3"))); // pawn diagonal to an empty square
+    set_test_position(g, "8/4P3/8/8/8/8/k7/4K3 w - -");
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e7", "e8"))); // never generated without a flag
+    free_test_game(g);
 }
 
 TEST(Zobrist, KeysAreFixedAndWellSpread)
 {
-    free_test_thread(new_test_thread()); // makes the keys once
+    free_test_game(new_test_game()); // makes the keys once
     uint64_t first = ZOBRIST[0], last = ZOBRIST[1023];
     EXPECT_EQ(init_zobrist(), 0);
     EXPECT_EQ(first, ZOBRIST[0]);

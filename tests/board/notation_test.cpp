@@ -1,8 +1,8 @@
 #include "board/fen.h"
 #include "board/movegen.h"
 #include "board/notation.h"
+#include "output/output.h"
 #include "support/test_positions.h"
-#include "uci/protocol_mode.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -24,18 +24,18 @@ Move parse(const Position* pos, const char* text)
 // different file and rank.
 TEST(Notation, EveryMoveReadsBackFromItsTexts)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
     int ambiguous = 0;
     for (const PerftCase& c : load_perft_cases()) {
-        set_test_position(t, c.fen);
+        set_test_position(g, c.fen);
         MoveEntry list[MAX_MOVES];
-        int n = gen_legal(&t->pos, list);
+        int n = gen_legal(&g->pos, list);
         for (int i = 0; i < n; i++) {
             Move m = list[i].move;
             char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE];
-            move_texts(&t->pos, m, coord, san, sf, sr);
-            ASSERT_EQ(parse(&t->pos, coord), m) << c.fen << " " << coord;
-            if (parse(&t->pos, san) == m)
+            move_texts(&g->pos, m, coord, san, sf, sr);
+            ASSERT_EQ(parse(&g->pos, coord), m) << c.fen << " " << coord;
+            if (parse(&g->pos, san) == m)
                 continue;
             bool rival = false;
             for (int j = 0; j < n; j++) {
@@ -49,45 +49,45 @@ TEST(Notation, EveryMoveReadsBackFromItsTexts)
         }
     }
     EXPECT_GT(ambiguous, 0); // the data holds such cases
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(Notation, FormsOfOneMove)
 {
-    SearchThread* t = new_test_thread();
-    set_test_position(t, "4k3/4P3/8/8/8/8/8/4K3 w - -");
+    Game* g = new_test_game();
+    set_test_position(g, "4k3/4P3/8/8/8/8/8/4K3 w - -");
     Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_QUEEN);
     for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q"})
-        EXPECT_EQ(parse(&t->pos, text), 0) << text; // e8 is occupied by the king: no such move
-    set_test_position(t, "7k/4P3/8/8/8/8/8/4K3 w - -");
+        EXPECT_EQ(parse(&g->pos, text), 0) << text; // e8 is occupied by the king: no such move
+    set_test_position(g, "7k/4P3/8/8/8/8/8/4K3 w - -");
     for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q", "e8=Q+"})
-        EXPECT_EQ(parse(&t->pos, text), promo) << text;
+        EXPECT_EQ(parse(&g->pos, text), promo) << text;
 
     // Two knights reach d2: the short form is ambiguous, both long forms work.
-    set_test_position(t, "4k3/8/8/8/8/5N2/8/1N2K3 w - -");
-    EXPECT_EQ(parse(&t->pos, "Nd2"), 0);
-    EXPECT_EQ(parse(&t->pos, "Nbd2"), make_move_code(1, 11));
-    EXPECT_EQ(parse(&t->pos, "N1d2"), make_move_code(1, 11));
+    set_test_position(g, "4k3/8/8/8/8/5N2/8/1N2K3 w - -");
+    EXPECT_EQ(parse(&g->pos, "Nd2"), 0);
+    EXPECT_EQ(parse(&g->pos, "Nbd2"), make_move_code(1, 11));
+    EXPECT_EQ(parse(&g->pos, "N1d2"), make_move_code(1, 11));
     char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE];
-    move_texts(&t->pos, make_move_code(1, 11), coord, san, sf, sr);
+    move_texts(&g->pos, make_move_code(1, 11), coord, san, sf, sr);
     EXPECT_STREQ(san, "Nd2");
 
-    set_test_position(t, "4k3/8/8/8/8/8/8/4K2R w K -");
+    set_test_position(g, "4k3/8/8/8/8/8/8/4K2R w K -");
     for (const char* text : {"0-0", "O-O", "o-o"})
-        EXPECT_EQ(parse(&t->pos, text), make_move_code(4, 6)) << text;
+        EXPECT_EQ(parse(&g->pos, text), make_move_code(4, 6)) << text;
 
     // Captures, en passant and the check mark.
-    set_test_position(t, "4k3/8/8/3pP3/8/8/8/4K3 w - d6");
+    set_test_position(g, "4k3/8/8/3pP3/8/8/8/4K3 w - d6");
     Move ep = make_move_code(make_square(4, 4), make_square(3, 5));
-    move_texts(&t->pos, ep, coord, san, sf, sr);
+    move_texts(&g->pos, ep, coord, san, sf, sr);
     EXPECT_STREQ(san, "exd6");
     EXPECT_STREQ(sf, "ed");
     EXPECT_STREQ(sr, "");
-    set_test_position(t, "4k3/8/8/8/8/8/8/R3K3 w - -");
-    move_texts(&t->pos, make_move_code(0, 56), coord, san, sf, sr);
+    set_test_position(g, "4k3/8/8/8/8/8/8/R3K3 w - -");
+    move_texts(&g->pos, make_move_code(0, 56), coord, san, sf, sr);
     EXPECT_STREQ(san, "Ra8+");
     EXPECT_STREQ(coord, "a1a8+");
-    free_test_thread(t);
+    free_test_game(g);
 }
 
 TEST(Notation, CoordinateTextByDialect)

@@ -5,9 +5,9 @@
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/notation.h"
+#include "output/output.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
-#include "uci/protocol_mode.h"
 
 #include <chrono>
 #include <gtest/gtest.h>

@@ -36,7 +36,7 @@ struct Solver {
         p.castling = 0;
         p.ep_square = NO_SQUARE;
         p.fifty = 0;
-        t->game_ply = 0;
+        t->pos.game_ply = 0;
         compute_keys(&p, &p.key, &p.pawn_key);
         return !in_check(&p, stm ^ 1) && distance(wk, bk) > 1;
     }

@@ -1,6 +1,7 @@
 #include "support/test_positions.h"
 
 #include "board/fen.h"
+#include "board/zobrist.h"
 #include "search/tt.h"
 #include "support/engine_process.h"
 #include "uci/settings.h"
@@ -26,6 +27,23 @@ void free_test_thread(SearchThread* t)
     free_search_thread(t);
 }
 
+Game* new_test_game()
+{
+    static bool keys = false;
+    if (!keys) {
+        init_zobrist();
+        keys = true;
+    }
+    Game* g = new Game();
+    game_init(g);
+    return g;
+}
+
+void free_test_game(Game* g)
+{
+    delete g;
+}
+
 ScopedGameThread::ScopedGameThread() : saved_(game_thread)
 {
     game_thread = new_test_thread();
@@ -38,10 +56,10 @@ ScopedGameThread::~ScopedGameThread()
     game_thread = saved_;
 }
 
-void set_test_position(SearchThread* t, const std::string& fen)
+void set_test_position(Position* pos, const std::string& fen)
 {
-    set_position(&t->pos, fen.c_str());
-    const char* problem = position_problem(&t->pos);
+    set_position(pos, fen.c_str());
+    const char* problem = position_problem(pos);
     ASSERT_EQ(problem, nullptr) << fen << ": " << problem;
 }
 

@@ -16,6 +16,10 @@ struct PerftCase {
 SearchThread* new_test_thread();
 void free_test_thread(SearchThread* t);
 
+// A position with its own history, for board and evaluation tests.
+Game* new_test_game();
+void free_test_game(Game* g);
+
 // Stands in a fresh game thread on the start position for the engine's own
 // while it lives, for tests of the commands that act on the game.
 class ScopedGameThread
@@ -30,8 +34,16 @@ class ScopedGameThread
     SearchThread* saved_;
 };
 
-// Sets the thread's position, failing the test on an invalid FEN.
-void set_test_position(SearchThread* t, const std::string& fen);
+// Sets the position, failing the test on an invalid FEN.
+void set_test_position(Position* pos, const std::string& fen);
+inline void set_test_position(SearchThread* t, const std::string& fen)
+{
+    set_test_position(&t->pos, fen);
+}
+inline void set_test_position(Game* g, const std::string& fen)
+{
+    set_test_position(&g->pos, fen);
+}
 
 std::vector<PerftCase> load_perft_cases();
 std::vector<std::string> load_opening_fens(size_t max_count);

@@ -1,7 +1,4 @@
-#include "uci/output.h"
-
-#include "board/notation.h"
-#include "search/search_thread.h"
+#include "output/output.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -15,15 +12,10 @@ namespace
 std::mutex output_lock;
 FILE* log_file = nullptr;
 bool log_enabled = false;
-int log_commands = 1;
-
-FILE* trace_file = nullptr;
-int16_t trace_last_ply = 0;
-int16_t trace_last_depth = 0;
 
 } // namespace
 
-int8_t trace_depth = 0;
+int16_t protocol_mode = 1;
 
 void send_line(const char* text)
 {
@@ -82,8 +74,6 @@ bool log_is_enabled()
 
 void log_command(const char* line)
 {
-    if (!log_commands)
-        return;
     char buffer[4999];
     format_line(buffer, sizeof buffer, "CMD: %s", line);
     if (log_enabled && log_file) {
@@ -92,40 +82,11 @@ void log_command(const char* line)
     }
 }
 
-void trace_move_write(const SearchThread* thread, uint16_t move)
-{
-    if (!trace_file) {
-        trace_file = std::fopen("trace.txt", "w");
-        if (!trace_file)
-            std::exit(0);
-    }
-    int ply = thread->search_ply;
-    if (ply > trace_depth)
-        return;
-    int draft = ply >= 0 && ply < MAX_PLY ? thread->plies[ply].depth : 0;
-    int iter = thread->iteration_depth;
-    if (iter > trace_last_depth)
-        std::fprintf(trace_file, "\n\nSEARCH DEPTH= %d\n", iter);
-    char text[16];
-    move_to_coord(move, text);
-    if (ply <= trace_last_ply) {
-        std::fputc('\n', trace_file);
-        for (int i = 1; i < ply; i++)
-            std::fputs("         ", trace_file);
-    }
-    std::fprintf(trace_file, "(%2d)%s ", draft, text);
-    trace_last_ply = int16_t(ply);
-    trace_last_depth = int16_t(iter);
-}
-
-void close_output_files()
+void close_log_file()
 {
     std::lock_guard<std::mutex> guard(output_lock);
     if (log_file)
         std::fclose(log_file);
     log_file = nullptr;
     log_enabled = false;
-    if (trace_file)
-        std::fclose(trace_file);
-    trace_file = nullptr;
 }

@@ -1,13 +1,16 @@
 // The one output channel: every line to the interface passes through
-// send_line, which serialises writers and copies the line to the log.
+// send_line, which serialises writers and copies the line to the log. Every
+// layer of the engine may print through it; it depends on nothing else.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-struct SearchThread;
-
 constexpr const char* LOG_FILE_NAME = "korvel.log";
+
+// Which dialect the engine speaks: 1 UCI (the default), 0 console. The move
+// writer and the search's progress lines follow it.
+extern int16_t protocol_mode;
 
 // Writes the line and a newline to stdout, flushes, and copies it to the log.
 void send_line(const char* text);
@@ -27,14 +30,5 @@ bool log_is_enabled();
 // Copies a received command line to the log as "CMD: %s".
 void log_command(const char* line);
 
-// Search-tree tracing into "trace.txt" up to `trace_depth` plies (0 = off).
-extern int8_t trace_depth;
-void trace_move_write(const SearchThread* thread, uint16_t move);
-inline void trace_move(const SearchThread* thread, uint16_t move)
-{
-    if (trace_depth)
-        trace_move_write(thread, move);
-}
-
-// Releases the log and trace files at exit.
-void close_output_files();
+// Releases the log file at exit.
+void close_log_file();

@@ -1,4 +1,4 @@
-#include "board/perft.h"
+#include "search/perft.h"
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,12 @@
-#include "board/perft.h"
+#include "search/perft.h"
 
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
+#include "output/output.h"
 #include "search/clock.h"
 #include "search/movepick.h"
 #include "search/search_thread.h"
-#include "uci/output.h"
 
 void perft(SearchThread* t, int side, int ply, int depth)
 {

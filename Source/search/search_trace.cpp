@@ -1,0 +1,52 @@
+#include "search/search_trace.h"
+
+#include "board/notation.h"
+#include "search/search_thread.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+int8_t trace_depth = 0;
+
+namespace
+{
+
+FILE* trace_file = nullptr;
+int16_t trace_last_ply = 0;
+int16_t trace_last_depth = 0;
+
+} // namespace
+
+void trace_move_write(const SearchThread* thread, uint16_t move)
+{
+    if (!trace_file) {
+        trace_file = std::fopen("trace.txt", "w");
+        // Tracing is a developer's tool: without its file there is no point going on.
+        if (!trace_file)
+            std::exit(0);
+    }
+    int ply = thread->pos.search_ply;
+    if (ply > trace_depth)
+        return;
+    int draft = ply >= 0 && ply < MAX_PLY ? thread->plies[ply].depth : 0;
+    int iter = thread->iteration_depth;
+    if (iter > trace_last_depth)
+        std::fprintf(trace_file, "\n\nSEARCH DEPTH= %d\n", iter);
+    char text[16];
+    move_to_coord(move, text);
+    if (ply <= trace_last_ply) {
+        std::fputc('\n', trace_file);
+        for (int i = 1; i < ply; i++)
+            std::fputs("         ", trace_file);
+    }
+    std::fprintf(trace_file, "(%2d)%s ", draft, text);
+    trace_last_ply = int16_t(ply);
+    trace_last_depth = int16_t(iter);
+}
+
+void close_trace_file()
+{
+    if (trace_file)
+        std::fclose(trace_file);
+    trace_file = nullptr;
+}
