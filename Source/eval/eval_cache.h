@@ -1,4 +1,5 @@
-// The per-thread pawn and evaluation caches.
+// What one evaluating thread owns: its pawn and evaluation caches, their
+// counters, and the tuner's switch.
 #pragma once
 
 #include "eval/score.h"
@@ -22,10 +23,16 @@ struct EvalHashEntry {
 };
 static_assert(sizeof(EvalHashEntry) == 16, "evaluation hash entry layout");
 
-struct SearchThread;
+struct EvalCaches {
+    PawnHashEntry pawn_hash[PAWN_HASH_SIZE];
+    EvalHashEntry eval_hash[EVAL_HASH_SIZE];
+    uint32_t generation; // the parameter table the entries were computed with
+    uint64_t eval_count;
+    uint64_t pawn_probes, pawn_hits;
+    uint64_t eval_probes, eval_hits;
+    uint8_t tuning;    // record each row's coefficient (the tuner only)
+    double last_phase; // game phase of the last full evaluation
+};
 
-// Zeroes both caches of one thread.
-void clear_eval_caches(SearchThread* thread);
-
-// Zeroes the caches of every search thread and of the game's record.
-void clear_all_eval_caches();
+// Zeroes both caches.
+void clear_eval_caches(EvalCaches* caches);

@@ -17,17 +17,6 @@ int blend(Score s, double phase)
 const char* const LABELS[EVAL_GROUPS] = {
     "pawns:", "knights:", "bishops:", "rooks:", "queens:", "king:", "ppawns:", "other:"};
 
-struct TableTitle {
-    const char* title;
-    int row;
-};
-
-const TableTitle TABLES[13] = {
-    {"Pawn1", PST_P1},   {"Connected Pawn", PST_CP}, {"Defended Pawn", PST_DP}, {"Knight1", PST_N1},
-    {"Bishop1", PST_B1}, {"Rook1", PST_R1},          {"Queen1", PST_Q1},        {"King", PST_K},
-    {"Pawn2", PST_P2},   {"Knight2", PST_N2},        {"Bishop2", PST_B2},       {"Rook2", PST_R2},
-    {"Queen2", PST_Q2}};
-
 } // namespace
 
 void print_eval_breakdown(const EvalBreakdown& b, int level)
@@ -60,8 +49,9 @@ void print_eval_breakdown(const EvalBreakdown& b, int level)
             if (!std::strstr(param_table[row].name, "PST_"))
                 std::printf("%-22s  %4d , %4d\n", param_table[row].name, opening_of(param_table[row].score),
                             endgame_of(param_table[row].score));
-        for (const TableTitle& t : TABLES)
-            print_pst(t.title, t.row);
+        for (const ParamSpec& spec : PARAM_SPECS)
+            if (spec.title)
+                print_pst(spec.title, spec.first_row);
     }
     std::fflush(stdout);
 }

@@ -3,14 +3,13 @@
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/notation.h"
+#include "eval/eval_cache.h"
+#include "eval/eval_options.h"
 #include "eval/eval_tables.h"
 #include "eval/eval_terms.h"
 #include "eval/eval_trace.h"
 #include "eval/kpk.h"
 #include "eval/params.h"
-#include "search/limits.h"
-#include "search/search_thread.h"
-#include "uci/settings.h"
 
 #include <cmath>
 #include <cstdio>
@@ -18,8 +17,6 @@
 
 namespace
 {
-
-double last_phase = 0.0;
 
 // Values of the special endings that come before the tapered evaluation.
 constexpr int KBNK_BASE = 740;
@@ -144,16 +141,16 @@ Score pawn_structure(EvalState& st, int s)
 }
 
 template <bool Tune>
-void evaluate_pawns(EvalState& st, SearchThread* t, int ply)
+void evaluate_pawns(EvalState& st, EvalCaches* c, int ply)
 {
     const Position* pos = st.pos;
     for (int s = 0; s < 2; s++)
         add<Tune>(st, s, MTL_PAWN, popcount(pos->pieces[s][PAWN]));
     uint64_t key = pawn_hash_key(pos);
-    PawnHashEntry* e = &t->pawn_hash[key & (PAWN_HASH_SIZE - 1)];
-    t->pawn_probes++;
+    PawnHashEntry* e = &c->pawn_hash[key & (PAWN_HASH_SIZE - 1)];
+    c->pawn_probes++;
     if (!Tune && ply >= 2 && e->key == key) {
-        t->pawn_hits++;
+        c->pawn_hits++;
         st.acc[0] += e->score[0];
         st.acc[1] += e->score[1];
     } else {
@@ -557,10 +554,10 @@ float scale_factor(const EvalState& st, int white_score)
 
 int contempt_adjustment(const Position* pos)
 {
-    int contempt = search_settings.contempt;
-    if (!contempt || limits.contempt_gate > 90000.0)
+    int contempt = eval_options.contempt;
+    if (!contempt)
         return 0;
-    int engine = limits.engine_side;
+    int engine = eval_options.engine_side;
     int side = contempt < 1 ? engine ^ 1 : engine;
     int m = pos->phase_material[side];
     int p = popcount(pos->pieces[side][PAWN]);
@@ -569,9 +566,8 @@ int contempt_adjustment(const Position* pos)
 }
 
 template <bool Tune>
-int evaluate_full(SearchThread* t, int stm, int ply, int trace)
+int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trace, int16_t* threats)
 {
-    const Position* pos = &t->pos;
     EvalState st;
     std::memset(&st, 0, sizeof st);
     st.pos = pos;
@@ -580,7 +576,7 @@ int evaluate_full(SearchThread* t, int stm, int ply, int trace)
     double sum = double(pos->phase_material[WHITE] + pos->phase_material[BLACK]);
     double x = 0.016 * sum;
     double phase = float(x) > 1.0f ? 0.0 : 1.0 - x;
-    last_phase = phase;
+    c->last_phase = phase;
 
     bool white_queen_side = file_of(pos->king_square[WHITE]) < 4;
     bool black_queen_side = file_of(pos->king_square[BLACK]) < 4;
@@ -609,7 +605,7 @@ int evaluate_full(SearchThread* t, int stm, int ply, int trace)
         st.outposts[s] = ranks & st.by_type[s][PAWN] & ~pawn_attack_span(e, pos->pieces[e][PAWN]);
     }
 
-    evaluate_pawns<Tune>(st, t, ply);
+    evaluate_pawns<Tune>(st, c, ply);
     snapshot(st, 0);
     for (int s = 0; s < 2; s++)
         evaluate_pieces<Tune, KNIGHT>(st, s);
@@ -645,15 +641,15 @@ int evaluate_full(SearchThread* t, int stm, int ply, int trace)
 
     if (!Tune) {
         uint64_t key = pos->key;
-        EvalHashEntry* e = &t->eval_hash[key & (EVAL_HASH_SIZE - 1)];
+        EvalHashEntry* e = &c->eval_hash[key & (EVAL_HASH_SIZE - 1)];
         e->key = key;
         e->score = int16_t(final_score);
         e->threat[0] = uint16_t(st.threat[0]);
         e->threat[1] = uint16_t(st.threat[1]);
     }
-    if (ply >= 0 && ply < MAX_PLY) {
-        t->plies[ply].threat[0] = int16_t(st.threat[0]);
-        t->plies[ply].threat[1] = int16_t(st.threat[1]);
+    if (threats) {
+        threats[0] = int16_t(st.threat[0]);
+        threats[1] = int16_t(st.threat[1]);
     }
     if (trace) {
         EvalBreakdown b;
@@ -678,35 +674,31 @@ void init_evaluation()
     kpk_init();
 }
 
-double last_eval_phase()
+int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int skip, int trace, int16_t* threats)
 {
-    return last_phase;
-}
-
-int evaluate(SearchThread* t, int stm, int ply, int skip, int trace)
-{
-    t->eval_count++;
+    c->eval_count++;
     if (skip)
         return -10001;
-    const Position* pos = &t->pos;
     int special;
     if (special_ending(pos, stm, &special)) {
         if (trace)
             print_special_ending(special);
         return special;
     }
-    if (t->tuning)
-        return evaluate_full<true>(t, stm, ply, 0);
+    if (c->tuning)
+        return evaluate_full<true>(pos, c, stm, ply, 0, threats);
+    if (c->generation != param_generation)
+        clear_eval_caches(c);
     uint64_t key = pos->key;
-    EvalHashEntry* e = &t->eval_hash[key & (EVAL_HASH_SIZE - 1)];
-    t->eval_probes++;
+    EvalHashEntry* e = &c->eval_hash[key & (EVAL_HASH_SIZE - 1)];
+    c->eval_probes++;
     if (ply > 1 && e->key == key && !trace) {
-        t->eval_hits++;
-        if (ply < MAX_PLY) {
-            t->plies[ply].threat[0] = int16_t(e->threat[0]);
-            t->plies[ply].threat[1] = int16_t(e->threat[1]);
+        c->eval_hits++;
+        if (threats) {
+            threats[0] = int16_t(e->threat[0]);
+            threats[1] = int16_t(e->threat[1]);
         }
         return e->score;
     }
-    return evaluate_full<false>(t, stm, ply, trace);
+    return evaluate_full<false>(pos, c, stm, ply, trace, threats);
 }

@@ -1,8 +1,6 @@
 #include "eval/params.h"
 
-#include "eval/eval_cache.h"
 #include "eval/eval_tables.h"
-#include "uci/settings.h"
 
 #include <cmath>
 #include <cstdio>
@@ -13,143 +11,22 @@ EvalParam param_table[PARAM_ROWS];
 Score param_score[PARAM_ROWS];
 int param_count = 0;
 int param_cursor = 0;
+uint32_t param_generation = 0;
+
+const ParamSpec PARAM_SPECS[PARAM_COUNT] = {
+#define PARAM(id, name, weight, times, title, ...) {name, weight, times, title, param_layout::ROWS[P_##id], id},
+#include "eval/param_list.def"
+#undef PARAM
+};
 
 namespace
 {
 
-// The table's structure: each name and how many consecutive rows it spans.
-struct RowRun {
-    const char* name;
-    int rows;
-};
-
-const RowRun LAYOUT[] = {
-    {"mtl_pawn", 1},
-    {"mtl_knight", 1},
-    {"mtl_bishop", 1},
-    {"mtl_rook", 1},
-    {"mtl_queen", 1},
-    {"bishop_pair", 1},
-    {"ppawn", 8},
-    {"ppawn_mobile", 8},
-    {"ppawn_free", 8},
-    {"ppawn_fking_dist", 1},
-    {"ppawn_eking_dist", 1},
-    {"ppawn_connected", 1},
-    {"candidate_passer", 1},
-    {"pawn_isolated", 1},
-    {"pawn_weak", 1},
-    {"pawn_blocked", 1},
-    {"pawn_doubled", 1},
-    {"knight_mobility", 1},
-    {"knight_outpost", 1},
-    {"knight_outpost_atk", 1},
-    {"knight_trapped", 1},
-    {"bishop_mobility", 1},
-    {"bishop_mob2", 1},
-    {"bishop_outpost", 1},
-    {"bishop_outpost_atk", 1},
-    {"bishop_trapped", 1},
-    {"rook_mobility", 1},
-    {"rook_mob2", 1},
-    {"rook_openfile", 1},
-    {"rook_7th", 1},
-    {"rook_trapped", 1},
-    {"queen_mobility", 1},
-    {"queen_trapped", 1},
-    {"pawn_shield", 1},
-    {"enemy_checks", 1},
-    {"king_danger1", 1},
-    {"king_danger2", 1},
-    {"king_trapped", 1},
-    {"king_pawn_prox", 1},
-    {"hung_pawn", 1},
-    {"hung_minor", 1},
-    {"hung_major", 1},
-    {"attacked_pawn", 1},
-    {"attacked_minor", 1},
-    {"attacked_major", 1},
-    {"ppush_threat", 1},
-    {"pinned_piece", 1},
-    {"pinned_pawn", 1},
-    {"mtl_RvB", 1},
-    {"bishop_rampawns", 1},
-    {"stm_bonus", 1},
-    {"tmp0", 1},
-    {"tmp1", 1},
-    {"tmp2", 1},
-    {"tmp3", 1},
-    {"tmp4", 1},
-    {"tmp5", 1},
-    {"tmp6", 1},
-    {"tmp7", 1},
-    {"tmp8", 1},
-    {"PST_P1", 64},
-    {"PST_CP", 64},
-    {"PST_DP", 64},
-    {"PST_N1", 64},
-    {"PST_B1", 64},
-    {"PST_R1", 64},
-    {"PST_Q1", 64},
-    {"PST_K", 64},
-    {"PST_P2", 64},
-    {"PST_N2", 64},
-    {"PST_B2", 64},
-    {"PST_R2", 64},
-    {"PST_Q2", 64},
-};
-
-// Personality weights and the name patterns they scale, in the order applied.
-struct Pattern {
-    const char* text;
-    int personality;
-};
-
-const Pattern PATTERNS[] = {
-    {"mtl_pawn", WEIGHT_MTL_PAWN},
-    {"mtl_knight", WEIGHT_MTL_KNIGHT},
-    {"mtl_bishop", WEIGHT_MTL_BISHOP},
-    {"mtl_rook", WEIGHT_MTL_ROOK},
-    {"mtl_queen", WEIGHT_MTL_QUEEN},
-    {"knight_mobility", WEIGHT_ACTIVITY_KNIGHT},
-    {"knight_outpost", WEIGHT_ACTIVITY_KNIGHT},
-    {"knight_outpost_atk", WEIGHT_ACTIVITY_KNIGHT},
-    {"bishop_mobility", WEIGHT_ACTIVITY_BISHOP},
-    {"bishop_mob2", WEIGHT_ACTIVITY_BISHOP},
-    {"bishop_outpost", WEIGHT_ACTIVITY_BISHOP},
-    {"bishop_outpost_atk", WEIGHT_ACTIVITY_BISHOP},
-    {"rook_mobility", WEIGHT_ACTIVITY_ROOK},
-    {"rook_mob2", WEIGHT_ACTIVITY_ROOK},
-    {"queen_mobility", WEIGHT_ACTIVITY_QUEEN},
-    {"PST_N1", WEIGHT_ACTIVITY_KNIGHT},
-    {"PST_N2", WEIGHT_ACTIVITY_KNIGHT},
-    {"PST_B1", WEIGHT_ACTIVITY_BISHOP},
-    {"PST_B2", WEIGHT_ACTIVITY_BISHOP},
-    {"PST_R1", WEIGHT_ACTIVITY_ROOK},
-    {"PST_R2", WEIGHT_ACTIVITY_ROOK},
-    {"PST_Q1", WEIGHT_ACTIVITY_QUEEN},
-    {"PST_Q2", WEIGHT_ACTIVITY_QUEEN},
-    {"PST_P1", WEIGHT_PAWN_STRUCTURE},
-    {"PST_P2", WEIGHT_PAWN_STRUCTURE},
-    {"PST_CP", WEIGHT_PAWN_STRUCTURE},
-    {"PST_DP", WEIGHT_PAWN_STRUCTURE},
-    {"ppawn", WEIGHT_PASSED_PAWNS},
-    {"candidate_passer", WEIGHT_PASSED_PAWNS},
-    {"king_danger1", WEIGHT_KING_SAFETY},
-    {"king_danger2", WEIGHT_KING_SAFETY},
-    {"enemy_checks", WEIGHT_KING_SAFETY},
-    {"hung_pawn", WEIGHT_THREATS},
-    {"hung_minor", WEIGHT_THREATS},
-    {"hung_major", WEIGHT_THREATS},
-    {"attacked_pawn", WEIGHT_THREATS},
-    {"attacked_minor", WEIGHT_THREATS},
-    {"attacked_major", WEIGHT_THREATS},
-    {"knight_trapped", WEIGHT_THREATS},
-    {"bishop_trapped", WEIGHT_THREATS},
-    {"rook_trapped", WEIGHT_THREATS},
-    {"queen_trapped", WEIGHT_THREATS},
-    {"pinned_pawn", WEIGHT_THREATS},
-    {"pinned_piece", WEIGHT_THREATS},
+// Every row's default pair, in row order.
+constexpr ParamPair DEFAULTS[PARAM_ROWS] = {
+#define PARAM(id, name, weight, times, title, ...) __VA_ARGS__,
+#include "eval/param_list.def"
+#undef PARAM
 };
 
 double single(double x)
@@ -160,11 +37,11 @@ double single(double x)
 void lay_down_rows()
 {
     int row = 0;
-    for (const RowRun& run : LAYOUT)
-        for (int i = 0; i < run.rows; i++) {
+    for (const ParamSpec& spec : PARAM_SPECS)
+        for (int i = 0; i < spec.rows; i++) {
             EvalParam& p = param_table[row++];
             std::memset(&p, 0, sizeof p);
-            std::strncpy(p.name, run.name, sizeof p.name - 1);
+            std::strncpy(p.name, spec.name, sizeof p.name - 1);
         }
     param_count = row;
     param_cursor = 0;
@@ -198,17 +75,28 @@ void repack_row(int row)
     p.score = make_score(int(std::lround(p.opening_f)), int(std::lround(p.endgame_f)));
 }
 
+void apply_default_params()
+{
+    for (int row = 0; row < PARAM_ROWS; row++)
+        fset(param_table[row].name, DEFAULTS[row].opening, DEFAULTS[row].endgame);
+}
+
+// Each row is scaled by its own weight only (the outpost-attack rows twice,
+// by the same weight), so scaling row by row gives what scaling group by
+// group would.
 void apply_personality()
 {
-    for (const Pattern& pat : PATTERNS) {
-        const int16_t* pct = settings.personality[pat.personality];
-        for (int row = 0; row < param_count; row++) {
+    for (const ParamSpec& spec : PARAM_SPECS) {
+        if (spec.weight == NO_WEIGHT)
+            continue;
+        const int16_t* pct = eval_options.personality[spec.weight];
+        for (int row = spec.first_row; row < spec.first_row + spec.rows; row++) {
             EvalParam& p = param_table[row];
-            if (!std::strstr(p.name, pat.text))
-                continue;
-            p.endgame_f = single(p.endgame_f * pct[1] * 0.01);
-            p.opening_f = single(p.opening_f * pct[0] * 0.01);
-            repack_row(row);
+            for (int n = 0; n < spec.times; n++) {
+                p.endgame_f = single(p.endgame_f * pct[1] * 0.01);
+                p.opening_f = single(p.opening_f * pct[0] * 0.01);
+                repack_row(row);
+            }
         }
     }
 }
@@ -234,7 +122,8 @@ void load_params_file()
 
 void init_eval_params(int mode)
 {
-    clear_all_eval_caches();
+    // Cached scores depend on the parameters: every cache is stale now.
+    param_generation++;
     lay_down_rows();
     if (mode != 1) {
         apply_default_params();

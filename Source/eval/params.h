@@ -1,91 +1,74 @@
 // The evaluation's parameter table: every number the evaluation uses is a
-// named row with an opening and an endgame value. Rows are laid down in a
-// fixed order; a name repeated over consecutive rows forms an array.
+// named row with an opening and an endgame value. The rows are laid down in
+// the order of param_list.def; a name repeated over consecutive rows forms
+// an array, and the identifier of a parameter is the index of its first row.
 #pragma once
 
+#include "eval/eval_options.h"
 #include "eval/score.h"
 
 #include <cstdint>
+#include <initializer_list>
 
 struct EvalParam {
     Score score;      // packed value the evaluation adds
     double opening_f; // working copies for tuning and personality scaling
     double endgame_f;
-    float coef;     // how strongly the row entered the last traced evaluation
+    float coef;     // how strongly the row entered the last evaluation while tuning
     int16_t frozen; // non-zero keeps the tuner off the row
     char name[26];
 };
 
-// Row indices. Arrays give their first row.
-enum ParamRow : int {
-    MTL_PAWN,
-    MTL_KNIGHT,
-    MTL_BISHOP,
-    MTL_ROOK,
-    MTL_QUEEN,
-    BISHOP_PAIR,
-    PPAWN = 6,
-    PPAWN_MOBILE = 14,
-    PPAWN_FREE = 22,
-    PPAWN_FKING_DIST = 30,
-    PPAWN_EKING_DIST,
-    PPAWN_CONNECTED,
-    CANDIDATE_PASSER,
-    PAWN_ISOLATED,
-    PAWN_WEAK,
-    PAWN_BLOCKED,
-    PAWN_DOUBLED,
-    KNIGHT_MOBILITY,
-    KNIGHT_OUTPOST,
-    KNIGHT_OUTPOST_ATK,
-    KNIGHT_TRAPPED,
-    BISHOP_MOBILITY,
-    BISHOP_MOB2,
-    BISHOP_OUTPOST,
-    BISHOP_OUTPOST_ATK,
-    BISHOP_TRAPPED,
-    ROOK_MOBILITY,
-    ROOK_MOB2,
-    ROOK_OPENFILE,
-    ROOK_7TH,
-    ROOK_TRAPPED,
-    QUEEN_MOBILITY,
-    QUEEN_TRAPPED,
-    PAWN_SHIELD,
-    ENEMY_CHECKS,
-    KING_DANGER1,
-    KING_DANGER2,
-    KING_TRAPPED,
-    KING_PAWN_PROX,
-    HUNG_PAWN,
-    HUNG_MINOR,
-    HUNG_MAJOR,
-    ATTACKED_PAWN,
-    ATTACKED_MINOR,
-    ATTACKED_MAJOR,
-    PPUSH_THREAT,
-    PINNED_PIECE,
-    PINNED_PAWN,
-    MTL_RVB,
-    BISHOP_RAMPAWNS,
-    STM_BONUS,
-    TMP0 = 72,
-    PST_P1 = 81,
-    PST_CP = 145,
-    PST_DP = 209,
-    PST_N1 = 273,
-    PST_B1 = 337,
-    PST_R1 = 401,
-    PST_Q1 = 465,
-    PST_K = 529,
-    PST_P2 = 593,
-    PST_N2 = 657,
-    PST_B2 = 721,
-    PST_R2 = 785,
-    PST_Q2 = 849,
-    PARAM_ROWS = 913
+// One default pair of a row.
+struct ParamPair {
+    int16_t opening, endgame;
 };
-static_assert(STM_BONUS == 71, "scalar rows end before the spare rows");
+
+// A parameter as the list gives it.
+struct ParamSpec {
+    const char* name;
+    Personality weight; // the personality weight that scales it, or NO_WEIGHT
+    int8_t times;       // how often that weight applies (two for the outpost-attack rows)
+    const char* title;  // piece-square tables: the heading of the evaluation display
+    int rows;
+    int first_row;
+};
+
+enum ParamId : int {
+#define PARAM(id, ...) P_##id,
+#include "eval/param_list.def"
+#undef PARAM
+    PARAM_COUNT
+};
+
+namespace param_layout
+{
+
+constexpr int ROWS[PARAM_COUNT] = {
+#define PARAM(id, name, weight, times, title, ...) int(std::initializer_list<ParamPair>{__VA_ARGS__}.size()),
+#include "eval/param_list.def"
+#undef PARAM
+};
+
+constexpr int first_row(int id)
+{
+    int row = 0;
+    for (int i = 0; i < id; i++)
+        row += ROWS[i];
+    return row;
+}
+
+} // namespace param_layout
+
+// Row index of every parameter's first row: MTL_PAWN, PPAWN, PST_N1, ...
+#define PARAM(id, ...) constexpr int id = param_layout::first_row(P_##id);
+#include "eval/param_list.def"
+#undef PARAM
+
+constexpr int PARAM_ROWS = param_layout::first_row(PARAM_COUNT);
+static_assert(PARAM_ROWS == 913 && STM_BONUS == 71 && PST_P1 == 81, "parameter table layout");
+
+extern const ParamSpec PARAM_SPECS[PARAM_COUNT];
 
 extern EvalParam param_table[PARAM_ROWS];
 extern int param_count;
@@ -95,8 +78,12 @@ extern int param_cursor;
 // with the derived tables whenever rows change.
 extern Score param_score[PARAM_ROWS];
 
-// Clears every thread's caches, lays down the rows and, unless mode is 1,
-// applies the defaults, the personality weights (mode 0) and params.txt.
+// Bumped whenever the table is rebuilt: caches filled under an older table
+// are stale (the evaluation clears them on their next use).
+extern uint32_t param_generation;
+
+// Lays down the rows and, unless mode is 1, applies the defaults, the
+// personality weights of eval_options (mode 0) and params.txt.
 void init_eval_params(int mode);
 
 // Sequential setter: writes the row at the cursor and advances it. "mtl_pawn"
@@ -107,7 +94,7 @@ void fset(const char* name, int opening, int endgame);
 // The compiled-in defaults, one fset call per row.
 void apply_default_params();
 
-// Scales rows by the thirteen personality weights of the engine settings.
+// Scales rows by the thirteen personality weights of eval_options.
 void apply_personality();
 
 // Reads "params.txt" from the working directory if it exists.

@@ -371,12 +371,13 @@ void run_search(SearchThread* t)
     t->root_score = limits.root_score;
     t->root_seed = 123u * uint32_t(t->thread_number);
     t->node_limit = limits.node_limit ? limits.node_limit : ~0ULL;
-    t->eval_count = 0;
+    t->eval.eval_count = 0;
     build_root_moves(t);
     t->plies[ROOT_PLY].tb_result = -1;
     t->plies[0].tb_result = -1;
     t->plies[0].eval = NO_SCORE;
-    t->plies[ROOT_PLY].eval = int16_t(evaluate(t, t->pos.side, ROOT_PLY, 0, 0));
+    t->plies[ROOT_PLY].eval =
+        int16_t(evaluate(&t->pos, &t->eval, t->pos.side, ROOT_PLY, 0, 0, t->plies[ROOT_PLY].threat));
 
     if (main) {
         limits.single_reply = t->root_count == 1;

@@ -263,7 +263,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     }
 
     // Step 12: static evaluation.
-    int eval = evaluate(t, side, ply, 0, 0);
+    int eval = evaluate(pos, &t->eval, side, ply, 0, 0, t->plies[ply].threat);
     pi.eval = int16_t(eval);
 
     // Step 13: too deep.

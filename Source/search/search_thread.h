@@ -89,13 +89,8 @@ struct SearchThread {
     uint16_t root_pv[MAX_PLY + 2];
     int root_tb_result;
 
-    // Evaluation caches and counters.
-    PawnHashEntry pawn_hash[PAWN_HASH_SIZE];
-    EvalHashEntry eval_hash[EVAL_HASH_SIZE];
-    uint64_t eval_count;
-    uint64_t pawn_probes, pawn_hits;
-    uint64_t eval_probes, eval_hits;
-    uint8_t tuning; // record each row's coefficient (tuner only)
+    // The evaluation's caches and counters.
+    EvalCaches eval;
 };
 
 // The record that holds the game position (not a search worker).

@@ -313,7 +313,8 @@ void handle_console_command(char* line)
         settings_changed_after_option();
         send_line("set default personality");
     } else if (!std::strcmp(cmd, "eval")) {
-        evaluate(game_thread, game_thread->pos.side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1);
+        evaluate(&game_thread->pos, &game_thread->eval, game_thread->pos.side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1,
+                 nullptr);
     } else if (!std::strcmp(cmd, "new")) {
         if (set_game_position(START_FEN))
             show_game_board();

@@ -82,10 +82,10 @@ void collect_result()
         const SearchThread* t = worker(i);
         limits.main_probes += t->tt_probes;
         limits.main_hits += t->tt_hits;
-        limits.pawn_probes += t->pawn_probes;
-        limits.pawn_hits += t->pawn_hits;
-        limits.eval_probes += t->eval_probes;
-        limits.eval_hits += t->eval_hits;
+        limits.pawn_probes += t->eval.pawn_probes;
+        limits.pawn_hits += t->eval.pawn_hits;
+        limits.eval_probes += t->eval.eval_probes;
+        limits.eval_hits += t->eval.eval_hits;
     }
     limits.tb_hits = total_tbhits();
     if (limits.preset_move || limits.best_move)

@@ -200,6 +200,7 @@ int main(int argc, char** argv)
     if (settings.log_enabled)
         open_log();
     search_settings = settings;
+    publish_settings();
     if (settings.config_file_path[0])
         load_config_file();
     init_evaluation();

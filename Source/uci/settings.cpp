@@ -6,11 +6,6 @@ EngineSettings settings;
 EngineSettings search_settings;
 double noise = 0.0;
 
-const char* const PERSONALITY_NAMES[PERSONALITY_COUNT] = {
-    "Mtl_Pawn",        "Mtl_Knight",      "Mtl_Bishop",    "Mtl_Rook",       "Mtl_Queen",
-    "Activity_Knight", "Activity_Bishop", "Activity_Rook", "Activity_Queen", "Pawn_Structure",
-    "Passed_Pawns",    "King_Safety",     "Threats"};
-
 void set_default_settings()
 {
     EngineSettings s;
@@ -38,10 +33,18 @@ void set_default_settings()
         pair[0] = pair[1] = 100;
     search_settings = s;
     settings = s;
+    publish_settings();
 }
 
 void settings_changed_after_option()
 {
     settings.changed = 1;
     search_settings = settings;
+    publish_settings();
+}
+
+void publish_settings()
+{
+    std::memcpy(eval_options.personality, search_settings.personality, sizeof eval_options.personality);
+    eval_options.contempt = search_settings.contempt;
 }

@@ -3,26 +3,11 @@
 // change, so that settings never move under a running search.
 #pragma once
 
+#include "eval/eval_options.h"
+
 #include <cstdint>
 
 constexpr int PATH_SIZE = 144; // 143 characters and a terminator
-
-enum Personality {
-    WEIGHT_MTL_PAWN,
-    WEIGHT_MTL_KNIGHT,
-    WEIGHT_MTL_BISHOP,
-    WEIGHT_MTL_ROOK,
-    WEIGHT_MTL_QUEEN,
-    WEIGHT_ACTIVITY_KNIGHT,
-    WEIGHT_ACTIVITY_BISHOP,
-    WEIGHT_ACTIVITY_ROOK,
-    WEIGHT_ACTIVITY_QUEEN,
-    WEIGHT_PAWN_STRUCTURE,
-    WEIGHT_PASSED_PAWNS,
-    WEIGHT_KING_SAFETY,
-    WEIGHT_THREATS,
-    PERSONALITY_COUNT
-};
 
 // The twelve search depth settings, in record order.
 enum SearchSetting {
@@ -73,9 +58,11 @@ extern EngineSettings search_settings; // the search's working copy
 // Console "noise" level; 9999 silences the book listing.
 extern double noise;
 
-extern const char* const PERSONALITY_NAMES[PERSONALITY_COUNT];
-
 void set_default_settings();
 
 // Copies the live record into the working copy and marks it changed.
 void settings_changed_after_option();
+
+// Hands the working copy's values to the layers below that keep their own
+// records (the evaluation's options).
+void publish_settings();

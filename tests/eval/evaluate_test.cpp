@@ -1,4 +1,5 @@
 #include "board/fen.h"
+#include "eval/eval_cache.h"
 #include "eval/eval_tables.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
@@ -6,6 +7,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace
 {
@@ -15,24 +17,26 @@ class Evaluation : public ::testing::Test
   protected:
     void SetUp() override
     {
-        t = new_test_thread();
+        g = new_test_game();
+        c = std::make_unique<EvalCaches>();
         init_evaluation();
         init_eval_params(0);
     }
-    void TearDown() override { free_test_thread(t); }
+    void TearDown() override { free_test_game(g); }
     int eval(const std::string& fen, int ply = 0)
     {
-        set_test_position(t, fen);
-        return evaluate(t, t->pos.side, ply, 0, 0);
+        set_test_position(g, fen);
+        return evaluate(&g->pos, c.get(), g->pos.side, ply, 0, 0, nullptr);
     }
     std::string trace(const std::string& fen, int level = 1)
     {
-        set_test_position(t, fen);
+        set_test_position(g, fen);
         testing::internal::CaptureStdout();
-        evaluate(t, t->pos.side, 0, 0, level);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, level, nullptr);
         return testing::internal::GetCapturedStdout();
     }
-    SearchThread* t = nullptr;
+    Game* g = nullptr;
+    std::unique_ptr<EvalCaches> c;
 };
 
 } // namespace
@@ -63,9 +67,9 @@ TEST_F(Evaluation, PhaseAtTheFullMaterialEdge)
 {
     eval("r2qk2r/8/8/8/8/8/PPPPPPPP/R2QK2R w - -");          // not relevant: warm up
     eval("rq2k1qr/pppppp2/8/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 30 = 62 units
-    EXPECT_NEAR(last_eval_phase(), 0.008, 1e-12);
+    EXPECT_NEAR(c->last_phase, 0.008, 1e-12);
     eval("r2qk1rr/ppppppp1/2bb4/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 31
-    EXPECT_EQ(last_eval_phase(), 0.0);
+    EXPECT_EQ(c->last_phase, 0.0);
 }
 
 TEST_F(Evaluation, TraceLayoutAndScaleFactors)
@@ -100,34 +104,34 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
 {
     const std::string fen = "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -";
     int fresh = eval(fen, 2);
-    uint64_t hits = t->eval_hits;
+    uint64_t hits = c->eval_hits;
     EXPECT_EQ(eval(fen, 2), fresh);
-    EXPECT_EQ(t->eval_hits, hits + 1);
+    EXPECT_EQ(c->eval_hits, hits + 1);
     EXPECT_EQ(eval(fen, 1), fresh); // evaluated afresh at plies 0 and 1
-    EXPECT_EQ(t->eval_hits, hits + 1);
+    EXPECT_EQ(c->eval_hits, hits + 1);
 
     // Same pawns, kings on the four wing combinations: the cache keeps them apart.
     const char* fens[4] = {"6k1/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -",
                            "6k1/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -"};
     int cold[4];
     for (int i = 0; i < 4; i++) {
-        clear_eval_caches(t);
+        clear_eval_caches(c.get());
         cold[i] = eval(fens[i], 0);
     }
-    clear_eval_caches(t);
+    clear_eval_caches(c.get());
     for (int i = 0; i < 4; i++)
         eval(fens[i], 2);
     for (int i = 0; i < 4; i++) {
-        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0; // force the pawn cache path
-        set_test_position(t, fens[i]);
-        t->eval_hash[t->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
-        uint64_t pawn_hits = t->pawn_hits;
-        EXPECT_EQ(evaluate(t, WHITE, 2, 0, 0), cold[i]) << fens[i];
-        EXPECT_EQ(t->pawn_hits, pawn_hits + 1);
+        c->eval_hash[g->pos.key & (EVAL_HASH_SIZE - 1)].key = 0; // force the pawn cache path
+        set_test_position(g, fens[i]);
+        c->eval_hash[g->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
+        uint64_t pawn_hits = c->pawn_hits;
+        EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 0, 0, nullptr), cold[i]) << fens[i];
+        EXPECT_EQ(c->pawn_hits, pawn_hits + 1);
     }
     EXPECT_NE(cold[0], cold[1]);
     EXPECT_NE(cold[0], cold[2]);
-    EXPECT_EQ(evaluate(t, WHITE, 2, 1, 0), -10001);
+    EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 1, 0, nullptr), -10001);
 }
 
 // With the tuning flag each row records the signed weight it entered with:
@@ -135,27 +139,27 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
 // evaluation's opening and endgame sums (to rounding).
 TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
 {
-    t->tuning = 1;
+    c->tuning = 1;
     for (const std::string& fen : load_opening_fens(50)) {
         for (int row = 0; row < PARAM_ROWS; row++)
             param_table[row].coef = 0;
-        set_test_position(t, fen);
+        set_test_position(g, fen);
         testing::internal::CaptureStdout();
-        t->tuning = 0;
-        evaluate(t, t->pos.side, 0, 0, 1);
+        c->tuning = 0;
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 1, nullptr);
         std::string text = testing::internal::GetCapturedStdout();
-        t->tuning = 1;
+        c->tuning = 1;
         int traced = std::atoi(text.substr(text.find("eval= ") + 6).c_str());
-        evaluate(t, t->pos.side, 0, 0, 0);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
         double op = 0, eg = 0;
         for (int row = 0; row < PARAM_ROWS; row++) {
             op += param_table[row].coef * param_table[row].opening_f;
             eg += param_table[row].coef * param_table[row].endgame_f;
         }
-        double phase = last_eval_phase();
+        double phase = c->last_phase;
         double white_view = (1 - phase) * op + phase * eg;
-        double stm_view = t->pos.side == WHITE ? white_view : -white_view;
+        double stm_view = g->pos.side == WHITE ? white_view : -white_view;
         EXPECT_NEAR(stm_view, traced, 12.0) << fen;
     }
-    t->tuning = 0;
+    c->tuning = 0;
 }

@@ -16,13 +16,13 @@ namespace
 // generator: every promotion piece is tried, and a position without the pawn
 // is judged from the material left.
 struct Solver {
-    SearchThread* t;
+    Game* g;
     std::vector<int8_t> result; // -1 unknown, 0 draw, 1 win, 2 not a position
     static int index(int stm, int wk, int bk, int pawn) { return ((pawn * 64 + wk) * 64 + bk) * 2 + stm; }
 
     bool setup(int stm, int wk, int bk, int pawn)
     {
-        Position& p = t->pos;
+        Position& p = g->pos;
         std::memset(&p.board, 0, sizeof p.board);
         std::memset(&p.pieces, 0, sizeof p.pieces);
         p.material_signature[0] = p.material_signature[1] = 0;
@@ -36,7 +36,7 @@ struct Solver {
         p.castling = 0;
         p.ep_square = NO_SQUARE;
         p.fifty = 0;
-        t->pos.game_ply = 0;
+        g->pos.game_ply = 0;
         compute_keys(&p, &p.key, &p.pawn_key);
         return !in_check(&p, stm ^ 1) && distance(wk, bk) > 1;
     }
@@ -44,7 +44,7 @@ struct Solver {
     // After a move that removed the pawn: won only with a major piece that survives.
     int judge_without_pawn()
     {
-        Position& p = t->pos;
+        Position& p = g->pos;
         if (!(p.pieces[WHITE][QUEEN] | p.pieces[WHITE][ROOK]))
             return 0;
         MoveEntry list[MAX_MOVES];
@@ -77,28 +77,28 @@ struct Solver {
                                 continue;
                             setup(stm, wk, bk, pawn);
                             MoveEntry list[MAX_MOVES];
-                            int n = gen_legal(&t->pos, list);
+                            int n = gen_legal(&g->pos, list);
                             bool any_win = false, any_draw = false, any_unknown = false;
                             for (int i = 0; i < n; i++) {
-                                make_move(&t->pos, list[i].move);
+                                make_move(&g->pos, list[i].move);
                                 int child;
-                                if (!t->pos.pieces[WHITE][PAWN]) {
-                                    child = t->pos.pieces[WHITE][0] == t->pos.pieces[WHITE][KING]
+                                if (!g->pos.pieces[WHITE][PAWN]) {
+                                    child = g->pos.pieces[WHITE][0] == g->pos.pieces[WHITE][KING]
                                                 ? 0
                                                 : judge_without_pawn();
                                 } else {
-                                    int p2 = lsb(t->pos.pieces[WHITE][PAWN]);
-                                    child = result[index(stm ^ 1, t->pos.king_square[WHITE], t->pos.king_square[BLACK],
+                                    int p2 = lsb(g->pos.pieces[WHITE][PAWN]);
+                                    child = result[index(stm ^ 1, g->pos.king_square[WHITE], g->pos.king_square[BLACK],
                                                          p2)];
                                 }
-                                unmake_move(&t->pos);
+                                unmake_move(&g->pos);
                                 any_win |= child == 1;
                                 any_draw |= child == 0;
                                 any_unknown |= child == -1;
                             }
                             int8_t now = -1;
                             if (n == 0)
-                                now = (stm == BLACK && in_check(&t->pos, BLACK)) ? 1 : 0;
+                                now = (stm == BLACK && in_check(&g->pos, BLACK)) ? 1 : 0;
                             else if (stm == WHITE)
                                 now = any_win ? 1 : (!any_unknown ? 0 : -1);
                             else
@@ -117,7 +117,7 @@ struct Solver {
 TEST(Kpk, AgreesWithAnExhaustiveSolver)
 {
     kpk_init();
-    Solver solver{new_test_thread(), {}};
+    Solver solver{new_test_game(), {}};
     solver.solve();
     int positions = 0, wins = 0;
     for (int pawn = 8; pawn < 56; pawn++)
@@ -134,5 +134,5 @@ TEST(Kpk, AgreesWithAnExhaustiveSolver)
                 }
     EXPECT_GT(positions, 300000);
     EXPECT_GT(wins, positions / 3);
-    free_test_thread(solver.t);
+    free_test_game(solver.g);
 }

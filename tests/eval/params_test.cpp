@@ -1,19 +1,108 @@
 #include "eval/params.h"
 #include "support/engine_process.h"
-#include "uci/settings.h"
 
+#include <cmath>
+#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
 
 void reset_weights()
 {
-    for (auto& pair : settings.personality)
+    for (auto& pair : eval_options.personality)
         pair[0] = pair[1] = 100;
 }
+
+double single(double x)
+{
+    return double(float(x));
+}
+
+} // namespace
+
+// The weights scale rows chosen by name: a row is scaled by every pattern
+// its name contains, in this order. The table's own grouping must give the
+// same values for any choice of weights.
+TEST(Params, PersonalityGroupsMatchTheNamePatterns)
+{
+    const std::pair<const char*, int> patterns[] = {
+        {"mtl_pawn", WEIGHT_MTL_PAWN},
+        {"mtl_knight", WEIGHT_MTL_KNIGHT},
+        {"mtl_bishop", WEIGHT_MTL_BISHOP},
+        {"mtl_rook", WEIGHT_MTL_ROOK},
+        {"mtl_queen", WEIGHT_MTL_QUEEN},
+        {"knight_mobility", WEIGHT_ACTIVITY_KNIGHT},
+        {"knight_outpost", WEIGHT_ACTIVITY_KNIGHT},
+        {"knight_outpost_atk", WEIGHT_ACTIVITY_KNIGHT},
+        {"bishop_mobility", WEIGHT_ACTIVITY_BISHOP},
+        {"bishop_mob2", WEIGHT_ACTIVITY_BISHOP},
+        {"bishop_outpost", WEIGHT_ACTIVITY_BISHOP},
+        {"bishop_outpost_atk", WEIGHT_ACTIVITY_BISHOP},
+        {"rook_mobility", WEIGHT_ACTIVITY_ROOK},
+        {"rook_mob2", WEIGHT_ACTIVITY_ROOK},
+        {"queen_mobility", WEIGHT_ACTIVITY_QUEEN},
+        {"PST_N1", WEIGHT_ACTIVITY_KNIGHT},
+        {"PST_N2", WEIGHT_ACTIVITY_KNIGHT},
+        {"PST_B1", WEIGHT_ACTIVITY_BISHOP},
+        {"PST_B2", WEIGHT_ACTIVITY_BISHOP},
+        {"PST_R1", WEIGHT_ACTIVITY_ROOK},
+        {"PST_R2", WEIGHT_ACTIVITY_ROOK},
+        {"PST_Q1", WEIGHT_ACTIVITY_QUEEN},
+        {"PST_Q2", WEIGHT_ACTIVITY_QUEEN},
+        {"PST_P1", WEIGHT_PAWN_STRUCTURE},
+        {"PST_P2", WEIGHT_PAWN_STRUCTURE},
+        {"PST_CP", WEIGHT_PAWN_STRUCTURE},
+        {"PST_DP", WEIGHT_PAWN_STRUCTURE},
+        {"ppawn", WEIGHT_PASSED_PAWNS},
+        {"candidate_passer", WEIGHT_PASSED_PAWNS},
+        {"king_danger1", WEIGHT_KING_SAFETY},
+        {"king_danger2", WEIGHT_KING_SAFETY},
+        {"enemy_checks", WEIGHT_KING_SAFETY},
+        {"hung_pawn", WEIGHT_THREATS},
+        {"hung_minor", WEIGHT_THREATS},
+        {"hung_major", WEIGHT_THREATS},
+        {"attacked_pawn", WEIGHT_THREATS},
+        {"attacked_minor", WEIGHT_THREATS},
+        {"attacked_major", WEIGHT_THREATS},
+        {"knight_trapped", WEIGHT_THREATS},
+        {"bishop_trapped", WEIGHT_THREATS},
+        {"rook_trapped", WEIGHT_THREATS},
+        {"queen_trapped", WEIGHT_THREATS},
+        {"pinned_pawn", WEIGHT_THREATS},
+        {"pinned_piece", WEIGHT_THREATS},
+    };
+    reset_weights();
+    init_eval_params(2); // defaults without weights
+    std::vector<EvalParam> expected(param_table, param_table + PARAM_ROWS);
+    unsigned seed = 12345;
+    for (auto& pair : eval_options.personality)
+        for (int h = 0; h < 2; h++) {
+            seed = seed * 1103515245u + 12345u;
+            pair[h] = int16_t(20 + (seed >> 16) % 181);
+        }
+    for (const auto& [text, weight] : patterns)
+        for (EvalParam& p : expected)
+            if (std::strstr(p.name, text)) {
+                p.endgame_f = single(p.endgame_f * eval_options.personality[weight][1] * 0.01);
+                p.opening_f = single(p.opening_f * eval_options.personality[weight][0] * 0.01);
+            }
+    init_eval_params(0);
+    for (int row = 0; row < PARAM_ROWS; row++) {
+        ASSERT_EQ(param_table[row].opening_f, expected[row].opening_f) << row << " " << expected[row].name;
+        ASSERT_EQ(param_table[row].endgame_f, expected[row].endgame_f) << row << " " << expected[row].name;
+        ASSERT_EQ(param_table[row].score,
+                  make_score(int(std::lround(expected[row].opening_f)), int(std::lround(expected[row].endgame_f))));
+    }
+    reset_weights();
+    init_eval_params(0);
+}
+
+namespace
+{
 
 } // namespace
 
@@ -26,7 +115,7 @@ TEST(Params, DefaultsAndPersonality)
     EXPECT_STREQ(param_table[PST_Q2 + 63].name, "PST_Q2");
     EXPECT_STREQ(param_table[TMP0 + 8].name, "tmp8");
 
-    settings.personality[WEIGHT_ACTIVITY_KNIGHT][0] = 200;
+    eval_options.personality[WEIGHT_ACTIVITY_KNIGHT][0] = 200;
     init_eval_params(0);
     EXPECT_EQ(opening_of(param_table[KNIGHT_MOBILITY].score), 102);
     EXPECT_EQ(opening_of(param_table[KNIGHT_OUTPOST_ATK].score), 64); // matched by two patterns
@@ -36,8 +125,8 @@ TEST(Params, DefaultsAndPersonality)
     reset_weights();
 
     // Halves round away from zero: -5 * 0.5 and 5 * 0.5.
-    settings.personality[WEIGHT_PASSED_PAWNS][0] = 50;
-    settings.personality[WEIGHT_ACTIVITY_ROOK][1] = 50;
+    eval_options.personality[WEIGHT_PASSED_PAWNS][0] = 50;
+    eval_options.personality[WEIGHT_ACTIVITY_ROOK][1] = 50;
     init_eval_params(0);
     EXPECT_EQ(opening_of(param_table[PPAWN_FKING_DIST].score), -3);
     EXPECT_EQ(endgame_of(param_table[ROOK_MOB2].score), 3);
@@ -71,7 +160,7 @@ TEST(Params, ParamsFileOverridesDefaults)
     EXPECT_EQ(param_table[MTL_BISHOP].score, 426 * 65536 + 361);
 
     // Values from the file are not scaled by the weights.
-    settings.personality[WEIGHT_MTL_PAWN][0] = 50;
+    eval_options.personality[WEIGHT_MTL_PAWN][0] = 50;
     std::ofstream("params.txt") << "fset(\"mtl_pawn\",100,100);\n";
     init_eval_params(0);
     EXPECT_EQ(opening_of(param_table[MTL_PAWN].score), 100);

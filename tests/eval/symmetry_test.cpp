@@ -1,4 +1,5 @@
 #include "board/fen.h"
+#include "eval/eval_cache.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/test_positions.h"
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
+#include <memory>
 #include <sstream>
 
 namespace
@@ -63,10 +65,10 @@ std::string file_mirror(const std::string& fen)
     return out + " " + f[1] + " - " + ep;
 }
 
-int eval_of(SearchThread* t, const std::string& fen)
+int eval_of(Game* g, EvalCaches* c, const std::string& fen)
 {
-    set_test_position(t, fen);
-    return evaluate(t, t->pos.side, 0, 0, 0);
+    set_test_position(g, fen);
+    return evaluate(&g->pos, c, g->pos.side, 0, 0, 0, nullptr);
 }
 
 } // namespace
@@ -76,7 +78,8 @@ int eval_of(SearchThread* t, const std::string& fen)
 // castling rights and its left-right mirror.
 TEST(EvalSymmetry, ColourFlipAndMirror)
 {
-    SearchThread* t = new_test_thread();
+    Game* g = new_test_game();
+    auto c = std::make_unique<EvalCaches>();
     init_evaluation();
     init_eval_params(0);
     std::vector<std::string> fens;
@@ -86,13 +89,13 @@ TEST(EvalSymmetry, ColourFlipAndMirror)
         fens.push_back(f);
     int mirrored = 0;
     for (const std::string& fen : fens) {
-        int v = eval_of(t, fen);
-        ASSERT_EQ(v, eval_of(t, colour_flip(fen))) << fen << " / " << colour_flip(fen);
+        int v = eval_of(g, c.get(), fen);
+        ASSERT_EQ(v, eval_of(g, c.get(), colour_flip(fen))) << fen << " / " << colour_flip(fen);
         if (fields_of(fen)[2] == "-") {
-            ASSERT_EQ(v, eval_of(t, file_mirror(fen))) << fen << " / " << file_mirror(fen);
+            ASSERT_EQ(v, eval_of(g, c.get(), file_mirror(fen))) << fen << " / " << file_mirror(fen);
             mirrored++;
         }
     }
     EXPECT_GT(mirrored, 20);
-    free_test_thread(t);
+    free_test_game(g);
 }
