@@ -4,22 +4,21 @@
 #include "board/gives_check.h"
 #include "board/legality.h"
 #include "board/makemove.h"
-#include "board/notation.h"
 #include "board/see.h"
 #include "eval/evaluate.h"
-#include "output/output.h"
 #include "search/clock.h"
 #include "search/history.h"
 #include "search/limits.h"
 #include "search/search.h"
+#include "search/search_config.h"
 #include "search/search_params.h"
+#include "search/search_report.h"
 #include "search/search_thread.h"
 #include "search/search_trace.h"
 #include "search/search_values.h"
 #include "search/threads.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
-#include "uci/settings.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -32,7 +31,6 @@ constexpr int UNSEARCHED = -11000;
 constexpr double CURRMOVE_AFTER = 3.5; // seconds before the main thread shows its current move
 constexpr int MAX_ITERATION = 69;
 constexpr int LAST_GAME_PLY = 883;
-constexpr int MAX_PV_SHOWN = 66;
 constexpr int ROOT_REDUCTION_DEPTH = 6;
 constexpr int ROOT_REDUCTION_MOVES = 5;
 constexpr int ROOT_REDUCTION_MARGIN = 24;
@@ -73,20 +71,6 @@ void build_root_moves(SearchThread* t)
     stable_sort_from(t, 0);
 }
 
-void format_pv(const uint16_t* pv, char* out, size_t size)
-{
-    out[0] = 0;
-    size_t used = 0;
-    for (int i = 0; i < MAX_PV_SHOWN && pv[i]; i++) {
-        char text[MOVE_TEXT_SIZE];
-        move_to_coord(pv[i], text);
-        int n = std::snprintf(out + used, size - used, "%s%s", i ? " " : "", text);
-        if (n < 0 || used + size_t(n) >= size)
-            break;
-        used += size_t(n);
-    }
-}
-
 // The root tablebase step of the main thread: returns true when it decided
 // the move on its own.
 bool root_tablebase_step(SearchThread* t)
@@ -112,7 +96,7 @@ bool root_tablebase_step(SearchThread* t)
         t->root_pv[1] = 0;
         limits.completed_depth = 99;
         t->seldepth = 99;
-        print_info_line(t, 99, score, t->root_pv, 1, ' ');
+        search_reporter.pv_line(t, 99, score, t->root_pv, 1, ' ');
         return true;
     }
     return false;
@@ -141,42 +125,6 @@ uint64_t total_tbhits()
     return n;
 }
 
-void score_text(int score, char* text, int size)
-{
-    if (score > 9899)
-        std::snprintf(text, size_t(size), "mate %d", (10000 - score) / 2);
-    else if (score < -9900)
-        std::snprintf(text, size_t(size), "mate -%d", (score + 10001) / 2);
-    else
-        std::snprintf(text, size_t(size), "cp %d", score);
-}
-
-void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark)
-{
-    std::lock_guard<std::mutex> guard(info_lock);
-    char pv_text[MAX_PV_SHOWN * 8];
-    format_pv(pv, pv_text, sizeof pv_text);
-    double elapsed = now_seconds() - limits.start_time;
-    double nodes = double(total_nodes());
-    char line[1024];
-    if (protocol_mode == 1) {
-        char multipv[32] = "";
-        if (search_settings.multi_pv > 1)
-            std::snprintf(multipv, sizeof multipv, "multipv %d ", line_number);
-        char score_buf[32];
-        score_text(score, score_buf, sizeof score_buf);
-        send_line(format_line(line, sizeof line,
-                              "info %s%sdepth %d seldepth %d score %s time %.0f nodes %.0f nps %.0f tbhits %.0f "
-                              "hashfull %.0f pv %s",
-                              multipv, "", depth, t->seldepth, score_buf, elapsed * 1000, nodes,
-                              elapsed > 0.001 ? nodes / elapsed : 0.0, double(total_tbhits()),
-                              tt_hashfull(depth) * 1000, pv_text));
-    } else {
-        send_line(format_line(line, sizeof line, "%02d] %02d%c %5.1f %7.0fK %5d  %s", line_number, depth, mark, elapsed,
-                              nodes * 0.001, score, pv_text));
-    }
-}
-
 int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
 {
     Position* pos = &t->pos;
@@ -195,26 +143,17 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
 
     int best = NO_SCORE;
     Move child_pv[MAX_PLY + 2];
-    bool show_current = main && protocol_mode == 1 && now_seconds() - limits.start_time > CURRMOVE_AFTER;
-    if (show_current) {
-        char text[256];
-        double elapsed = now_seconds() - limits.start_time;
-        double nodes = double(total_nodes());
-        send_line(format_line(text, sizeof text, "info depth %d time %.0f nodes %.0f nps %.0f hashfull %.0f",
-                              int(limits.completed_depth), elapsed * 1000, nodes,
-                              elapsed > 0.001 ? nodes / elapsed : 0.0, tt_hashfull(depth) * 1000));
-    }
+    bool show_current = main && now_seconds() - limits.start_time > CURRMOVE_AFTER;
+    if (show_current)
+        search_reporter.status_line(limits.completed_depth, depth);
     for (int i = line; i < t->root_count; i++) {
         RootMove& rm = t->root_moves[i];
         MoveEntry* e = &rm.entry;
         Move move = e->move;
         int cls = move_class(t, move, e->piece, e->captured, ci);
         pi.move_class = uint16_t(cls);
-        if (show_current) {
-            char text[128], coord[MOVE_TEXT_SIZE];
-            std::snprintf(coord, sizeof coord, "%s%s", SQUARE_NAMES[move_from(move)], SQUARE_NAMES[move_to(move)]);
-            send_line(format_line(text, sizeof text, "info currmove %s currmovenumber %d", coord, i + 1));
-        }
+        if (show_current)
+            search_reporter.current_move(move, i + 1);
         int tried = i - line;
         int r = depth >= ROOT_REDUCTION_DEPTH && tried >= ROOT_REDUCTION_MOVES && alpha - ROOT_REDUCTION_MARGIN <= best
                         && best >= -MATE_BOUND && (cls & 63) == 0 && has_material
@@ -260,8 +199,8 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
             }
             if (v > alpha)
                 alpha = v;
-            if (main && search_settings.multi_pv == 1)
-                print_info_line(t, depth, v, rm.pv, line + 1, v >= beta ? '+' : v <= pi.alpha ? '-' : '.');
+            if (main && search_config.multi_pv == 1)
+                search_reporter.pv_line(t, depth, v, rm.pv, line + 1, v >= beta ? '+' : v <= pi.alpha ? '-' : '.');
             if (v >= beta)
                 break;
         }
@@ -272,7 +211,7 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
 void iterate(SearchThread* t)
 {
     bool main = is_main(t);
-    int multi_pv = std::min<int>(search_settings.multi_pv, t->root_count);
+    int multi_pv = std::min<int>(search_config.multi_pv, t->root_count);
     int max_depth = limits.max_depth;
     for (int d = 1; d < MAX_ITERATION; d++) {
         // Step 1: helpers skip a depth that most threads already search,
@@ -326,7 +265,7 @@ void iterate(SearchThread* t)
             if (!search_stopped()) {
                 t->root_moves[k].last_score = int16_t(v);
                 if (main && multi_pv >= 2)
-                    print_info_line(t, d, v, t->root_moves[k].pv, k + 1, '.');
+                    search_reporter.pv_line(t, d, v, t->root_moves[k].pv, k + 1, '.');
             }
         }
 
@@ -356,7 +295,7 @@ void iterate(SearchThread* t)
 void run_search(SearchThread* t)
 {
     bool main = is_main(t);
-    copy_game_into(t);
+    copy_root_into(t);
     std::memset(t->plies, 0, sizeof t->plies);
     clear_history(t);
     t->nodes = 0;

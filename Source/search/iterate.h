@@ -15,13 +15,6 @@ void iterate(SearchThread* t);
 // Root move loop for line k of a MultiPV search, window (alpha, beta).
 int search_root(SearchThread* t, int depth, int alpha, int beta, int line);
 
-// "cp %d", "mate %d" or "mate -%d".
-void score_text(int score, char* text, int size);
-
-// The info line of the main thread for one principal variation; in console
-// mode the progress line.
-void print_info_line(const SearchThread* t, int depth, int score, const uint16_t* pv, int line_number, char mark);
-
 // A helper goes one deeper when more than half of the threads already
 // search `depth` or beyond.
 int helper_depth(int depth, int threads_at_depth, int thread_count);

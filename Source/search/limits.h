@@ -70,8 +70,6 @@ struct SearchLimits {
     std::atomic<uint8_t> search_depth;
     std::atomic<bool> search_started;
     std::atomic<int8_t> completed_depth;
-    int engine_side;      // the side the engine plays in this search
-    double contempt_gate; // contempt applies while this is at most 90000
 
     // Result.
     uint16_t preset_move; // a book move, else 0
@@ -87,11 +85,9 @@ struct SearchLimits {
     uint64_t eval_probes, eval_hits;
     uint64_t tb_hits;
     double hash_fill;
-    uint32_t node_type_count[4];
     std::atomic<uint64_t> nodes_at_depth[MAX_PLY + 2];
 
     int thread_count;
-    uint8_t clear_pending;
     bool self_play; // console "self": the engine plays both sides
     bool play_once; // console "move": the engine plays one move
 };

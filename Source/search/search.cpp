@@ -19,7 +19,6 @@
 #include "search/search_values.h"
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
-#include "uci/settings.h"
 
 #include <algorithm>
 #include <cstring>
@@ -231,7 +230,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
             tt_fail_low = entry.bound != BOUND_LOWER && s <= alpha;
             tt_fail_high = entry.bound != BOUND_UPPER && s >= beta;
             if (depth <= entry.depth) {
-                if (entry.bound == BOUND_EXACT && ply >= 8 && (s > 9000 || s < -9000))
+                if (entry.bound == BOUND_EXACT && ply >= 8 && (s > NEAR_MATE || s < -NEAR_MATE))
                     return s;
                 if (node_type != NODE_PV) {
                     if (tt_fail_low)
@@ -488,7 +487,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
 
 bool probcut(SearchThread* t, int ply, int depth, int beta)
 {
-    if (beta > 9000)
+    if (beta > NEAR_MATE)
         return false;
     Position* pos = &t->pos;
     PlyInfo& pi = t->plies[ply];

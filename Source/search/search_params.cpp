@@ -1,6 +1,6 @@
 #include "search/search_params.h"
 
-#include "uci/settings.h"
+#include "search/search_config.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,8 +9,8 @@ SearchParams search_params;
 
 void build_search_params()
 {
-    const int16_t* v = search_settings.search;
-    int selectivity = search_settings.selectivity;
+    const int16_t* v = search_config.search;
+    int selectivity = search_config.selectivity;
     SearchParams& p = search_params;
     p.bp_margin = selectivity < 100 ? (100 - selectivity) / 2 + 15 : 15;
     p.fp_depth = v[FP_DEPTH];

@@ -24,9 +24,27 @@ void free_search_thread(SearchThread* t)
     std::free(t);
 }
 
-void copy_game_into(SearchThread* t)
+namespace
 {
-    copy_position(&t->pos, t->undo, &game_thread->pos);
+
+Game root_game;
+
+} // namespace
+
+void set_search_root(const Position* game)
+{
+    game_init(&root_game);
+    copy_position(&root_game.pos, root_game.undo, game);
+}
+
+const Position* search_root()
+{
+    return &root_game.pos;
+}
+
+void copy_root_into(SearchThread* t)
+{
+    copy_position(&t->pos, t->undo, &root_game.pos);
     t->pos.search_ply = ROOT_PLY;
     t->pos.last_move = 0;
 }

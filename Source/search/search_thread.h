@@ -93,8 +93,11 @@ struct SearchThread {
     EvalCaches eval;
 };
 
-// The record that holds the game position (not a search worker).
-extern SearchThread* game_thread;
+// The position the next search starts from, with the game's history. The
+// front end sets it before each search; every worker copies it when it
+// starts, so the game itself may change while a search runs.
+void set_search_root(const Position* game);
+const Position* search_root();
 
 // Points a position at its record; to be called once per record.
 inline void attach_position(SearchThread* t)
@@ -106,5 +109,5 @@ inline void attach_position(SearchThread* t)
 SearchThread* new_search_thread();
 void free_search_thread(SearchThread* t);
 
-// Copies the game position and its history into a worker's record.
-void copy_game_into(SearchThread* t);
+// Copies the search root and its history into a worker's record.
+void copy_root_into(SearchThread* t);

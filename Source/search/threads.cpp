@@ -184,13 +184,14 @@ void start_search_threads()
     }
 }
 
-bool clear_hash_by_workers()
+void clear_hash_table()
 {
-    if (count < 2)
-        return false;
+    if (count < 2) {
+        tt_clear();
+        return;
+    }
     for (int i = 0; i < count; i++)
         workers[i].load()->command = CMD_CLEAR_HASH;
     while (count_busy_threads())
         sleep_ms(1);
-    return true;
 }

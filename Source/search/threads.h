@@ -25,9 +25,8 @@ void stop_and_wait(uint8_t signal);
 // Wakes the workers for a search: the main one first, the others 5 ms later.
 void start_search_threads();
 
-// With several workers each clears its slice of the hash table; returns
-// false (nothing done) when there is only one.
-bool clear_hash_by_workers();
+// Zeroes the hash table; with several workers each clears its own slice.
+void clear_hash_table();
 
 // Bind workers to NUMA nodes (the -numa switch; always with more than 32 threads).
 extern bool numa_binding;

@@ -1,15 +1,16 @@
 #include "search/timeman.h"
 
-#include "board/fen.h"
+#include "eval/eval_options.h"
 #include "eval/params.h"
-#include "output/output.h"
 #include "search/clock.h"
 #include "search/limits.h"
+#include "search/search_config.h"
 #include "search/search_params.h"
+#include "search/search_report.h"
 #include "search/search_thread.h"
+#include "search/search_values.h"
 #include "search/threads.h"
 #include "search/tt.h"
-#include "uci/settings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,9 +29,9 @@ double& own_clock(int side)
 
 void set_target_time()
 {
-    const SearchThread* g = game_thread;
-    int side = g->pos.side;
-    int ply = g->pos.game_ply;
+    const Position* root = search_root();
+    int side = root->side;
+    int ply = root->game_ply;
     double& clock = own_clock(side);
     if (limits.fixed_limit == 1) {
         limits.target_time = limits.move_time;
@@ -53,7 +54,7 @@ void set_target_time()
             divisor = 24;
         }
         double t = clock / divisor;
-        if (search_settings.ponder && several_left)
+        if (search_config.ponder && several_left)
             t *= 1.3;
         if (limits.elo_in_force < 2400)
             t *= 0.85;
@@ -71,11 +72,11 @@ void set_strength()
     double full = limits.full_nps;
     limits.target_nps = full;
     limits.elo_in_force = limits.full_elo;
-    if (search_settings.limit_strength && search_settings.elo >= 1) {
-        double rate = rate_for_elo(search_settings.elo);
+    if (search_config.limit_strength && search_config.elo >= 1) {
+        double rate = rate_for_elo(search_config.elo);
         if (rate <= full - 30) {
             limits.target_nps = rate;
-            limits.elo_in_force = search_settings.elo;
+            limits.elo_in_force = search_config.elo;
         }
     }
     limits.rate_limited = limits.target_nps < full - 20;
@@ -111,13 +112,13 @@ void prepare_search()
 {
     limits.start_time = now_seconds();
     limits.elapsed = 0.0;
-    limits.move_overhead = search_settings.move_overhead * 0.001;
+    limits.move_overhead = search_config.move_overhead * 0.001;
     set_strength();
     set_target_time();
 
     tt_new_search();
-    tt.use_hash = search_settings.hash_mb >= 1;
-    limits.root_score = game_thread->pos.fifty > 100 ? 0 : -10000;
+    tt.use_hash = search_config.hash_mb >= 1;
+    limits.root_score = search_root()->fifty > 100 ? 0 : -MATE;
     for (auto& n : limits.nodes_at_depth)
         n = 0;
     for (auto& s : limits.root_score_by_depth)
@@ -132,32 +133,21 @@ void prepare_search()
     limits.best_line[0] = 0;
     limits.search_depth = 0;
     limits.search_started = false;
-    limits.engine_side = game_thread->pos.side;
+    eval_options.engine_side = search_root()->side;
     limits.random_word = uint32_t(std::rand()) * 2654435761u;
     limits.search_mode = limits.search_state == PONDER_REQUESTED ? MODE_PONDER : MODE_TIMED;
-    if (settings.changed || search_settings.changed) {
-        send_line("info string setting search and eval params...");
+    if (search_config.changed) {
+        search_reporter.message("setting search and eval params...");
         build_search_params();
         init_eval_params(0);
-        settings.changed = search_settings.changed = 0;
+        search_config.changed = 0;
         set_strength();
     }
+}
 
-    bool timed = limits.fixed_limit != 1 || limits.move_time < 1000000.0;
-    if (timed) {
-        char fen[128], line[256];
-        write_fen(&game_thread->pos, fen);
-        double clock = own_clock(game_thread->pos.side);
-        if (protocol_mode == 1) {
-            log_line(format_line(line, sizeof line, "info string fen %s", fen));
-            log_line(format_line(line, sizeof line, "info string ply= %d, trg_time= %0.3f sec",
-                                 game_thread->pos.game_ply, limits.target_time));
-        } else {
-            send_line(format_line(line, sizeof line, "fen %s", fen));
-            send_line(format_line(line, sizeof line, "Ply= %d, cnt50= %d, Clock= %0.2fs, Target time= %0.2fs",
-                                  game_thread->pos.game_ply, game_thread->pos.fifty, clock, limits.target_time));
-        }
-    }
+bool search_is_timed()
+{
+    return limits.fixed_limit != 1 || limits.move_time < 1000000.0;
 }
 
 void start_clock_on_ponderhit()
@@ -169,7 +159,7 @@ bool time_is_up(double elapsed, int depth)
 {
     if (limits.stop_signal != STOP_NONE || limits.search_mode != MODE_TIMED || depth <= 1 || elapsed < MIN_ELAPSED)
         return false;
-    double remaining = std::max(0.0, own_clock(game_thread->pos.side) - elapsed);
+    double remaining = std::max(0.0, own_clock(search_root()->side) - elapsed);
     double t = limits.target_time;
     double overhead = 0;
     if (limits.fixed_limit != 1) {

@@ -5,6 +5,10 @@
 // parameters when settings changed, and the node rate of a strength limit.
 void prepare_search();
 
+// Whether the search prepared last stops on the clock (fixed-depth, node and
+// infinite searches do not).
+bool search_is_timed();
+
 // Once a round from the input thread's loop: refreshes the elapsed time and
 // raises the stop flag when a timed search has used its time.
 void check_time();

@@ -2,10 +2,7 @@
 
 #include "board/movegen.h"
 #include "board/zobrist.h"
-#include "output/output.h"
-#include "search/clock.h"
-#include "search/limits.h"
-#include "search/threads.h"
+#include "search/search_values.h"
 
 #include <atomic>
 #include <cstring>
@@ -21,10 +18,6 @@ void* mapped = nullptr;
 size_t mapped_bytes = 0;
 constexpr size_t HUGE_PAGE = 2 * 1024 * 1024;
 constexpr int HUGE_PAGE_TABLE_LIMIT = 1024; // megabytes
-
-// Scores of this size or more are mate scores made relative on store.
-constexpr int STORE_MATE = 9699;
-constexpr int STORE_MATE_LOW = 9698;
 
 // An entry is two 64-bit words read and written with relaxed atomics:
 // word 0 = lock | check << 32,
@@ -128,8 +121,6 @@ int tt_allocate(int megabytes)
     while (p * 2 <= tt.entries)
         p *= 2;
     tt.index_mask = tt.entries ? p - 1 : ~0ULL;
-    char line[128];
-    send_line(format_line(line, sizeof line, "info string allocated %d Mbytes for hash table", megabytes));
     // The new mapping is already zero: nothing to clear.
     return 1;
 }
@@ -150,11 +141,8 @@ void tt_clear_slice(int index, int count)
 
 void tt_clear()
 {
-    if (!tt.words)
-        return;
-    if (!clear_hash_by_workers())
+    if (tt.words)
         zero_range(0, uint64_t(tt.entries) + 16);
-    limits.clear_pending = 0;
 }
 
 void tt_new_search()

@@ -42,12 +42,12 @@ struct TransTable {
 extern TransTable tt;
 
 // (Re)allocates for `megabytes`; the first call also makes the hashing keys.
-// Prints "info string allocated %d Mbytes for hash table". Returns 1, or 0
-// when the memory cannot be had.
+// Returns 1, or 0 when the memory cannot be had.
 int tt_allocate(int megabytes);
 int tt_megabytes();
 
-// Zeroes the table; with several search threads each clears its own slice.
+// Zeroes the whole table on the calling thread (clear_hash_table in
+// threads.h shares the work among the workers).
 void tt_clear();
 // Zeroes slice `index` of `count` (a worker's share of tt_clear).
 void tt_clear_slice(int index, int count);

@@ -54,10 +54,13 @@ void run_benchmark(int count, bool direct)
     char line[160];
     send_line(format_line(line, sizeof line, "%s running benchmark using %d threads", ENGINE_NAME, worker_count()));
     double total_time = 0.01, nodes = 0;
+    static Game game;
+    Position* pos = game_init(&game);
     for (int i = 0; i < count && i < 20; i++) {
-        set_position(&game_thread->pos, BENCH_POSITIONS[i]);
+        set_position(pos, BENCH_POSITIONS[i]);
+        set_search_root(pos);
         if (tt.use_hash && tt.words && count_busy_threads() == 0)
-            tt_clear();
+            clear_hash_table();
         limits.search_state = SEARCH_REQUESTED;
         prepare_search();
         limits.search_state = SEARCH_FINISH;

@@ -7,8 +7,6 @@
 #include "output/output.h"
 #include "search/clock.h"
 #include "search/limits.h"
-#include "search/search_thread.h"
-#include "search/threads.h"
 #include "search/timeman.h"
 
 namespace
@@ -21,26 +19,25 @@ constexpr double SEARCH_SPEED_FACTOR = 1.17; // search nodes per counted node of
 
 void calibrate_speed()
 {
-    SearchThread* t = worker(0) ? worker(0) : game_thread;
-    Position saved = t->pos;
-    set_position(&t->pos, START_FEN);
+    static Game scratch;
+    Position* pos = game_init(&scratch);
+    set_position(pos, START_FEN);
     double start = now_seconds(), elapsed = 0;
     uint64_t nodes = 0;
     MoveEntry list[MAX_MOVES];
     do {
         nodes++;
-        gen_all(&t->pos, list);
+        gen_all(pos, list);
         int made = 0;
         for (MoveEntry* e = list; e->move != MOVE_END && made < 10; e++) {
-            if (!is_legal(&t->pos, t->pos.side, e->move))
+            if (!is_legal(pos, pos->side, e->move))
                 continue;
-            make_move(&t->pos, e->move);
-            unmake_move(&t->pos);
+            make_move(pos, e->move);
+            unmake_move(pos);
             made++;
         }
         elapsed = now_seconds() - start;
     } while (elapsed < CALIBRATION_SECONDS);
-    t->pos = saved;
     double speed = double(nodes) * SEARCH_SPEED_FACTOR / (elapsed + 0.001);
     limits.full_nps = speed;
     limits.full_elo = elo_of_rate(speed);

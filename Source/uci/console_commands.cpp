@@ -8,6 +8,7 @@
 #include "board/notation.h"
 #include "board/see.h"
 #include "book/book.h"
+#include "eval/eval_cache.h"
 #include "eval/evaluate.h"
 #include "output/output.h"
 #include "search/limits.h"
@@ -81,7 +82,7 @@ void search_setting(int index, int value)
 
 void swap_command()
 {
-    const Position* pos = &game_thread->pos;
+    const Position* pos = game_position();
     char line[128];
     for (int sq = 0; sq < 64; sq++) {
         int code = pos->board[sq];
@@ -153,7 +154,7 @@ void level_command(const Words& w)
 // The line the hash table holds from the game position.
 void hash_command()
 {
-    Position* pos = &game_thread->pos;
+    Position* pos = game_position();
     char pv[600] = "";
     size_t used = 0;
     int made = 0;
@@ -180,9 +181,9 @@ void hash_command()
 
 void book_command()
 {
-    Move m = book_probe(&game_thread->pos, search_settings.book_file);
+    Move m = book_probe(game_position(), search_settings.book_file);
     if (!m)
-        m = book_probe(&game_thread->pos, search_settings.book2_file);
+        m = book_probe(game_position(), search_settings.book2_file);
     char text[MOVE_TEXT_SIZE], line[64];
     move_to_coord(m, text);
     send_line(m ? format_line(line, sizeof line, "book move %s", text) : "no book move");
@@ -191,13 +192,24 @@ void book_command()
 void move_input(const char* word)
 {
     Move move;
-    if (!parse_move(&game_thread->pos, word, &move)) {
+    if (!parse_move(game_position(), word, &move)) {
         char line[300];
         send_line(format_line(line, sizeof line, "can't parse move '%.200s'", word));
         return;
     }
     play_game_move(move);
     show_game_board();
+}
+
+// Perft walks the tree with the search's move picker, so it runs on the
+// first worker's record (idle between searches) with the game copied in.
+void perft_of_game(int depth)
+{
+    SearchThread* t = worker(0);
+    if (!t)
+        return;
+    copy_position(&t->pos, t->undo, game_position());
+    perft_command(t, depth);
 }
 
 void start_engine_move(bool continuous)
@@ -215,7 +227,7 @@ void start_engine_move(bool continuous)
 void show_game_board()
 {
     if (protocol_mode == 0)
-        print_board(&game_thread->pos);
+        print_board(game_position());
 }
 
 void handle_console_command(char* line)
@@ -301,7 +313,7 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "book")) {
         book_command();
     } else if (!std::strcmp(cmd, "perft")) {
-        perft_command(game_thread, std::atoi(arg));
+        perft_of_game(std::atoi(arg));
     } else if (!std::strcmp(cmd, "hash")) {
         hash_command();
     } else if (!std::strcmp(cmd, "noise")) {
@@ -313,13 +325,13 @@ void handle_console_command(char* line)
         settings_changed_after_option();
         send_line("set default personality");
     } else if (!std::strcmp(cmd, "eval")) {
-        evaluate(&game_thread->pos, &game_thread->eval, game_thread->pos.side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1,
-                 nullptr);
+        static EvalCaches caches;
+        evaluate(game_position(), &caches, game_position()->side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1, nullptr);
     } else if (!std::strcmp(cmd, "new")) {
         if (set_game_position(START_FEN))
             show_game_board();
     } else if (!std::strcmp(cmd, "d")) {
-        print_board(&game_thread->pos);
+        print_board(game_position());
     } else {
         move_input(cmd);
     }

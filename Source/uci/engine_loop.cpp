@@ -17,6 +17,7 @@
 #include "uci/console_commands.h"
 #include "uci/game.h"
 #include "uci/input.h"
+#include "uci/search_output.h"
 #include "uci/settings.h"
 
 #include <cmath>
@@ -27,9 +28,9 @@ namespace
 // A book move is trusted only if it does not leave the mover in check.
 Move checked_book_move(Move move)
 {
-    if (!move || !is_pseudo_legal(&game_thread->pos, move))
+    if (!move || !is_pseudo_legal(game_position(), move))
         return 0;
-    Position* pos = &game_thread->pos;
+    Position* pos = game_position();
     int mover = pos->side;
     make_move(pos, move);
     bool bad = in_check(pos, mover);
@@ -39,15 +40,17 @@ Move checked_book_move(Move move)
 
 void start_search()
 {
+    set_search_root(game_position());
     prepare_search();
+    print_search_start();
     limits.preset_move = 0;
     limits.best_move = limits.ponder_move = 0;
-    const Position* pos = &game_thread->pos;
+    const Position* pos = game_position();
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
         Move move = 0;
-        if (game_thread->pos.game_ply < search_settings.book_depth)
+        if (game_position()->game_ply < search_settings.book_depth)
             move = book_probe(pos, search_settings.book_file);
-        if (!move && game_thread->pos.game_ply < search_settings.book2_depth)
+        if (!move && game_position()->game_ply < search_settings.book2_depth)
             move = book_probe(pos, search_settings.book2_file);
         move = checked_book_move(move);
         if (move) {
@@ -123,9 +126,6 @@ void print_console_statistics()
         100 * limits.hash_fill, 100.0 * double(limits.main_hits) / double(limits.main_probes + 1),
         100.0 * double(limits.pawn_hits) / double(limits.pawn_probes + 1),
         100.0 * double(limits.eval_hits) / double(limits.eval_probes + 1), double(limits.tb_hits) * 0.001));
-    const uint32_t* c = limits.node_type_count;
-    if (c[0] + c[1] + c[2] + c[3])
-        send_line(format_line(text, sizeof text, "ncnt1= %d, ncnt2= %d, ncnt3= %d, ncnt4= %d", c[0], c[1], c[2], c[3]));
     send_line("");
 }
 
@@ -157,16 +157,16 @@ void report_if_due()
     limits.search_state = SEARCH_IDLE;
 
     if (limits.self_play || limits.play_once) {
-        double& clock = game_thread->pos.side == WHITE ? limits.white_time : limits.black_time;
+        double& clock = game_position()->side == WHITE ? limits.white_time : limits.black_time;
         clock = clock - limits.elapsed + limits.increment;
         if (!limits.best_move) {
             limits.self_play = limits.play_once = false;
             return;
         }
         char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[96];
-        move_texts(&game_thread->pos, limits.best_move, coord, san, sf, sr);
+        move_texts(game_position(), limits.best_move, coord, san, sf, sr);
         int number = game_length() / 2 + 1;
-        bool white = game_thread->pos.side == WHITE;
+        bool white = game_position()->side == WHITE;
         if (limits.self_play)
             send_line(format_line(text, sizeof text, "%d%s move %s", number, white ? "." : "...", san));
         else

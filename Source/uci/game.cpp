@@ -4,15 +4,14 @@
 #include "board/makemove.h"
 #include "board/notation.h"
 #include "output/output.h"
-#include "search/search_thread.h"
 
 #include <cstdio>
 #include <cstring>
 
-SearchThread* game_thread = nullptr;
-
 namespace
 {
+
+Game game;
 
 // The history keeps this many records when a very long game fills it; the
 // draw test never looks further back than the fifty-move counter (a byte).
@@ -29,22 +28,28 @@ struct GameRecord {
 
 GameRecord record;
 
-void trim_history(SearchThread* t)
+void trim_history(Position* pos)
 {
-    if (t->pos.game_ply < HISTORY_LIMIT)
+    if (pos->game_ply < HISTORY_LIMIT)
         return;
-    int drop = t->pos.game_ply - KEPT_HISTORY;
-    std::memmove(t->undo, t->undo + drop, sizeof(UndoRecord) * KEPT_HISTORY);
-    t->pos.game_ply = int16_t(KEPT_HISTORY);
+    int drop = pos->game_ply - KEPT_HISTORY;
+    std::memmove(pos->undo, pos->undo + drop, sizeof(UndoRecord) * KEPT_HISTORY);
+    pos->game_ply = int16_t(KEPT_HISTORY);
 }
 
 void make_recorded(Move move)
 {
-    make_move(&game_thread->pos, move);
-    trim_history(game_thread);
+    Position* pos = game_position();
+    make_move(pos, move);
+    trim_history(pos);
 }
 
 } // namespace
+
+Position* game_position()
+{
+    return game_init(&game);
+}
 
 void send_info(const char* text)
 {
@@ -54,17 +59,18 @@ void send_info(const char* text)
 
 int set_game_position(const char* fen)
 {
-    Position candidate = game_thread->pos;
+    Position* pos = game_position();
+    Position candidate = *pos;
     read_fen(&candidate, fen);
     if (const char* problem = position_problem(&candidate)) {
         char text[256];
         send_info(format_line(text, sizeof text, "invalid position (%s): %.150s", problem, fen));
         return 0;
     }
-    game_thread->pos = candidate;
-    game_thread->pos.game_ply = 0;
-    game_thread->pos.search_ply = 1;
-    game_thread->pos.last_move = 0;
+    *pos = candidate;
+    pos->game_ply = 0;
+    pos->search_ply = 1;
+    pos->last_move = 0;
     write_fen(&candidate, record.start_fen);
     record.count = record.available = 0;
     return 1;
@@ -83,9 +89,9 @@ void play_game_move(Move move)
 
 int undo_game_move()
 {
-    if (game_thread->pos.game_ply <= 0 || record.count <= 0)
+    if (game_position()->game_ply <= 0 || record.count <= 0)
         return 0;
-    unmake_move(&game_thread->pos);
+    unmake_move(game_position());
     record.count--;
     return 1;
 }
@@ -117,18 +123,15 @@ int save_game(const char* file)
     }
     std::fprintf(f, "\n");
     // Replay from the set-up position on a scratch record to write SAN.
-    SearchThread* scratch = new_search_thread();
-    if (!scratch) {
-        std::fclose(f);
-        return 0;
-    }
-    set_position(&scratch->pos, record.start_fen);
+    static Game scratch_game;
+    Position* scratch = game_init(&scratch_game);
+    set_position(scratch, record.start_fen);
     int column = 0, number = 1;
     for (int i = 0; i < record.count; i++) {
         char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[48];
-        move_texts(&scratch->pos, record.moves[i], coord, san, sf, sr);
+        move_texts(scratch, record.moves[i], coord, san, sf, sr);
         const char* written = san[0] == 'o' ? sf : san; // castling in capital letters for other programs
-        bool white = scratch->pos.side == WHITE;
+        bool white = scratch->side == WHITE;
         if (white)
             column += std::snprintf(text, sizeof text, "%d. %s ", number, written);
         else if (i == 0)
@@ -142,12 +145,11 @@ int save_game(const char* file)
             std::fputs("\n", f);
             column = 0;
         }
-        make_move(&scratch->pos, record.moves[i]);
-        if (scratch->pos.game_ply >= MAX_GAME_PLY - 1)
-            scratch->pos.game_ply = 0; // only the position matters here
+        make_move(scratch, record.moves[i]);
+        if (scratch->game_ply >= MAX_GAME_PLY - 1)
+            scratch->game_ply = 0; // only the position matters here
     }
     std::fprintf(f, "*\n\n");
     std::fclose(f);
-    free_search_thread(scratch);
     return 1;
 }

@@ -1,9 +1,13 @@
-// The game the front end keeps: its position and history in the game
-// thread's record, changed only between searches, and the list of moves
-// played since the set-up position (for saving and jumping).
+// The game the front end keeps: its position with the history of the moves
+// made, and the list of moves played since the set-up position (for saving
+// and jumping). A search copies the position when it starts, so the game may
+// change under a running search.
 #pragma once
 
-#include "board/types.h"
+#include "board/position.h"
+
+// The game position (set to the start position before the first command).
+Position* game_position();
 
 // Sets the game position from FEN text. Text that cannot be played (see
 // position_problem) is refused with a message and the previous position kept.

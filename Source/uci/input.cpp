@@ -17,8 +17,6 @@ constexpr int READ_SIZE = 4999;
 constexpr int LINE_LIMIT = 4992;  // longer lines lose their tail
 constexpr int QUEUE_SIZE = 16384; // a few full lines; reads wait while it is full
 
-bool input_initialised = false;
-int input_is_pipe = 0;
 bool input_closed = false;
 char partial_line[READ_SIZE];
 int partial_length = 0;
@@ -103,10 +101,6 @@ bool take_command(char* out)
 
 void poll_input()
 {
-    if (!input_initialised) {
-        input_initialised = true;
-        input_is_pipe = isatty(0) ? 0 : 1;
-    }
     read_pending_bytes();
     char command[READ_SIZE + 1];
     if (!take_command(command))

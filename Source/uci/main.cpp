@@ -16,7 +16,9 @@
 #include "uci/bounded_input.h"
 #include "uci/calibration.h"
 #include "uci/engine_loop.h"
+#include "uci/game.h"
 #include "uci/options.h"
+#include "uci/search_output.h"
 #include "uci/settings.h"
 #include "uci/uci_commands.h"
 
@@ -182,6 +184,7 @@ void run_job()
 int main(int argc, char** argv)
 {
     set_default_settings();
+    install_search_output();
     protocol_mode = 1;
     limits.base_max_depth = limits.max_depth = MAX_SEARCH_DEPTH;
     reset_game_limits();
@@ -189,13 +192,10 @@ int main(int argc, char** argv)
     if (status >= 0)
         return status;
 
-    game_thread = new_search_thread();
-    if (!game_thread)
-        return 1;
     limits.thread_count = settings.threads;
     if (!start_threads(limits.thread_count))
         return 1;
-    if (!tt_allocate(settings.hash_mb))
+    if (!allocate_hash(settings.hash_mb))
         return 1;
     if (settings.log_enabled)
         open_log();
@@ -206,8 +206,8 @@ int main(int argc, char** argv)
     init_evaluation();
     init_eval_params(0);
     build_search_params();
-    settings.changed = search_settings.changed = 0;
-    set_position(&game_thread->pos, START_FEN);
+    settings.changed = search_settings.changed = search_config.changed = 0;
+    set_position(game_position(), START_FEN);
     // A strength limit from the command line needs the machine's speed.
     limits.full_nps = 1e6;
     limits.full_elo = elo_of_rate(limits.full_nps);
@@ -216,8 +216,6 @@ int main(int argc, char** argv)
 
     stop_threads();
     tt_free();
-    free_search_thread(game_thread);
-    game_thread = nullptr;
     close_log_file();
     close_trace_file();
     return 0;

@@ -111,6 +111,15 @@ int full_strength_elo()
     return elo < 1500 ? 1500 : elo;
 }
 
+int allocate_hash(int megabytes)
+{
+    if (!tt_allocate(megabytes))
+        return 0;
+    char line[128];
+    send_line(format_line(line, sizeof line, "info string allocated %d Mbytes for hash table", megabytes));
+    return 1;
+}
+
 void print_option_lines()
 {
     const EngineSettings& s = search_settings;
@@ -162,7 +171,7 @@ void set_option(const char* name, const char* value)
         settings.*(o.field) = int16_t(v);
     }
     if (!std::strcmp(name, "Hash")) {
-        if (settings.hash_mb != tt_megabytes() && !tt_allocate(settings.hash_mb))
+        if (settings.hash_mb != tt_megabytes() && !allocate_hash(settings.hash_mb))
             std::exit(-1);
     } else if (!std::strcmp(name, "Threads")) {
         if (settings.threads != limits.thread_count) {
@@ -175,7 +184,7 @@ void set_option(const char* name, const char* value)
         }
     } else if (!std::strcmp(name, "Clear_Hash")) {
         if (count_busy_threads() == 0)
-            tt_clear();
+            clear_hash_table();
         send_line("info string Hash table cleared");
     } else if (!std::strcmp(name, "ConfigFilePath")) {
         copy_text(settings.config_file_path, PATH_SIZE, value);

@@ -10,6 +10,10 @@ void print_option_lines();
 // each accepted setting is echoed. Unknown names are ignored silently.
 void set_option(const char* name, const char* value);
 
+// Allocates the hash table for `megabytes` and says so ("info string
+// allocated %d Mbytes for hash table"); 0 when the memory cannot be had.
+int allocate_hash(int megabytes);
+
 // Reads "name = value" lines from the file named by ConfigFilePath.
 // Returns 1 when the file was read, 0 when it could not be opened.
 int load_config_file();

@@ -67,7 +67,7 @@ void start_position_editor()
 {
     editor.active = true;
     editor.colour = WHITE;
-    editor.board = game_thread->pos;
+    editor.board = *game_position();
     limits.stop_signal = STOP_LIMIT;
     send_line(".                    end edit");
     send_line("#                    clear board");

@@ -45,6 +45,17 @@ void settings_changed_after_option()
 
 void publish_settings()
 {
-    std::memcpy(eval_options.personality, search_settings.personality, sizeof eval_options.personality);
-    eval_options.contempt = search_settings.contempt;
+    const EngineSettings& s = search_settings;
+    std::memcpy(eval_options.personality, s.personality, sizeof eval_options.personality);
+    eval_options.contempt = s.contempt;
+    SearchConfig& c = search_config;
+    c.changed = 1;
+    c.hash_mb = s.hash_mb;
+    c.move_overhead = s.move_overhead;
+    c.ponder = s.ponder;
+    c.multi_pv = s.multi_pv;
+    c.limit_strength = s.limit_strength;
+    c.elo = s.elo;
+    c.selectivity = s.selectivity;
+    std::memcpy(c.search, s.search, sizeof c.search);
 }

@@ -4,27 +4,11 @@
 #pragma once
 
 #include "eval/eval_options.h"
+#include "search/search_config.h"
 
 #include <cstdint>
 
 constexpr int PATH_SIZE = 144; // 143 characters and a terminator
-
-// The twelve search depth settings, in record order.
-enum SearchSetting {
-    SS_LEADING,
-    SEP_DEPTH,
-    SEP_MULT,
-    NMP_DEPTH,
-    FP_DEPTH,
-    FP_MULT,
-    PC_DEPTH,
-    PC_RED,
-    PC_MARGIN,
-    LMP_DEPTH,
-    LMP_MULT,
-    LMR_DEPTH,
-    SEARCH_SETTING_COUNT
-};
 
 struct EngineSettings {
     int16_t changed;
@@ -63,6 +47,6 @@ void set_default_settings();
 // Copies the live record into the working copy and marks it changed.
 void settings_changed_after_option();
 
-// Hands the working copy's values to the layers below that keep their own
-// records (the evaluation's options).
+// Hands the working copy's values to the layers below that keep records of
+// their own (the evaluation's options and the search's configuration).
 void publish_settings();

@@ -86,7 +86,7 @@ Move coordinate_move(const char* token)
 bool is_legal_game_move(Move move)
 {
     MoveEntry list[MAX_MOVES];
-    int n = gen_legal(&game_thread->pos, list);
+    int n = gen_legal(game_position(), list);
     for (int i = 0; i < n; i++)
         if (list[i].move == move)
             return true;
@@ -133,9 +133,9 @@ void new_game_command()
     stop_and_wait(STOP_SILENT);
     limits.search_state = SEARCH_IDLE;
     reset_game_limits();
-    game_thread->pos.game_ply = 0;
+    game_position()->game_ply = 0;
     if (count_busy_threads() == 0)
-        tt_clear();
+        clear_hash_table();
 }
 
 } // namespace
@@ -178,8 +178,8 @@ void position_command(char* args)
         }
     }
     // The search starts without a previous move.
-    game_thread->undo[game_thread->pos.game_ply].move = 0;
-    game_thread->pos.last_move = 0;
+    game_position()->undo[game_position()->game_ply].move = 0;
+    game_position()->last_move = 0;
 }
 
 void go_command(const char* args)
@@ -188,7 +188,7 @@ void go_command(const char* args)
     limits.fixed_limit = 0;
     limits.max_depth = limits.base_max_depth;
     limits.node_limit = limits.base_node_limit;
-    int side = game_thread->pos.side;
+    int side = game_position()->side;
     const char* v;
     if ((v = value_after(args, "wtime")))
         limits.white_time = read_seconds(v);

@@ -1,4 +1,5 @@
 #include "search/iterate.h"
+#include "search/search_config.h"
 #include "search/search_params.h"
 #include "uci/settings.h"
 
@@ -19,12 +20,12 @@ TEST(SearchParams, SelectivityShapesEveryDevice)
     EXPECT_EQ(p.lmr_pv[31][31], 4);
     EXPECT_EQ(p.lmr_pv[10][3], 1); // 0.44 ln10 ln4 - 0.6 = 0.80
 
-    search_settings.selectivity = 50;
+    search_config.selectivity = 50;
     build_search_params();
     EXPECT_EQ(p.bp_margin, 40);
     EXPECT_EQ(p.lmr_pv[10][3], 0);
 
-    search_settings.selectivity = 0;
+    search_config.selectivity = 0;
     build_search_params();
     EXPECT_EQ(p.fp_depth, 0);
     EXPECT_EQ(p.sep_depth, 0);
@@ -37,20 +38,8 @@ TEST(SearchParams, SelectivityShapesEveryDevice)
     build_search_params();
 }
 
-TEST(SearchOutput, ScoreTextsAndHelperDepths)
+TEST(SearchParams, HelperDepths)
 {
-    char text[32];
-    score_text(9998, text, sizeof text);
-    EXPECT_STREQ(text, "mate 1");
-    score_text(9996, text, sizeof text);
-    EXPECT_STREQ(text, "mate 2");
-    score_text(-9999, text, sizeof text);
-    EXPECT_STREQ(text, "mate -1");
-    score_text(9899, text, sizeof text);
-    EXPECT_STREQ(text, "cp 9899");
-    score_text(-9900, text, sizeof text);
-    EXPECT_STREQ(text, "cp -9900");
-
     // With 8 threads a helper at depth 10 moves on when five are there already.
     EXPECT_EQ(helper_depth(10, 5, 8), 11);
     EXPECT_EQ(helper_depth(10, 4, 8), 10);

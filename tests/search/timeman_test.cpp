@@ -1,8 +1,8 @@
 #include "board/fen.h"
 #include "search/limits.h"
+#include "search/search_config.h"
 #include "search/timeman.h"
 #include "support/test_positions.h"
-#include "uci/settings.h"
 #include "uci/uci_commands.h"
 
 #include <gtest/gtest.h>
@@ -15,16 +15,16 @@ class TimeManagement : public ::testing::Test
   protected:
     void SetUp() override
     {
-        search_settings.ponder = 0;
-        search_settings.move_overhead = 50;
+        search_config.ponder = 0;
+        search_config.move_overhead = 50;
+        reset_game_to_start();
         limits.full_nps = 1e6;
         limits.full_elo = 3000;
         reset_game_limits();
         limits.search_state = SEARCH_REQUESTED;
-        settings.changed = search_settings.changed = 0;
+        search_config.changed = 0;
     }
     void TearDown() override { limits.search_state = SEARCH_IDLE; }
-    ScopedGameThread game_;
 };
 
 } // namespace
@@ -40,10 +40,10 @@ TEST_F(TimeManagement, TargetTimes)
     prepare_search();
     EXPECT_NEAR(limits.target_time, 60.0 / 33 + 1.0 * 60 / 62, 1e-9);
 
-    search_settings.ponder = 1; // pondering buys 30 per cent more
+    search_config.ponder = 1; // pondering buys 30 per cent more
     prepare_search();
     EXPECT_NEAR(limits.target_time, 60.0 / 33 * 1.3 + 1.0 * 60 / 62, 1e-9);
-    search_settings.ponder = 0;
+    search_config.ponder = 0;
 
     limits.white_time = 0.1; // the floor: 2 ms
     limits.increment = 0;

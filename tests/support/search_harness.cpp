@@ -23,13 +23,13 @@ void harness_start(int threads)
     started = true;
     set_default_settings();
     settings.hash_mb = search_settings.hash_mb = 16;
-    game_thread = new_search_thread();
+    publish_settings();
     tt_allocate(16);
     start_threads(threads);
     init_evaluation();
     init_eval_params(0);
     build_search_params();
-    settings.changed = search_settings.changed = 0;
+    settings.changed = search_settings.changed = search_config.changed = 0;
     limits.full_nps = 1e6;
     limits.full_elo = 3000;
     reset_game_limits();
@@ -43,8 +43,9 @@ SearchOutcome harness_search(const std::string& fen, int depth, const std::strin
     buffer[sizeof buffer - 1] = 0;
     position_command(buffer);
     if (fifty)
-        game_thread->pos.fifty = uint8_t(fifty);
+        game_position()->fifty = uint8_t(fifty);
     go_command(("depth " + std::to_string(depth)).c_str());
+    set_search_root(game_position());
     prepare_search();
     limits.search_state = SEARCH_FINISH;
     start_search_threads();

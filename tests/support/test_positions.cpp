@@ -4,6 +4,7 @@
 #include "board/zobrist.h"
 #include "search/tt.h"
 #include "support/engine_process.h"
+#include "uci/game.h"
 #include "uci/settings.h"
 
 #include <cstdlib>
@@ -27,13 +28,23 @@ void free_test_thread(SearchThread* t)
     free_search_thread(t);
 }
 
-Game* new_test_game()
+namespace
+{
+
+void make_keys_once()
 {
     static bool keys = false;
     if (!keys) {
         init_zobrist();
         keys = true;
     }
+}
+
+} // namespace
+
+Game* new_test_game()
+{
+    make_keys_once();
     Game* g = new Game();
     game_init(g);
     return g;
@@ -44,16 +55,11 @@ void free_test_game(Game* g)
     delete g;
 }
 
-ScopedGameThread::ScopedGameThread() : saved_(game_thread)
+void reset_game_to_start()
 {
-    game_thread = new_test_thread();
-    set_position(&game_thread->pos, START_FEN);
-}
-
-ScopedGameThread::~ScopedGameThread()
-{
-    free_test_thread(game_thread);
-    game_thread = saved_;
+    make_keys_once();
+    set_game_position(START_FEN);
+    set_search_root(game_position());
 }
 
 void set_test_position(Position* pos, const std::string& fen)

@@ -20,19 +20,8 @@ void free_test_thread(SearchThread* t);
 Game* new_test_game();
 void free_test_game(Game* g);
 
-// Stands in a fresh game thread on the start position for the engine's own
-// while it lives, for tests of the commands that act on the game.
-class ScopedGameThread
-{
-  public:
-    ScopedGameThread();
-    ~ScopedGameThread();
-    ScopedGameThread(const ScopedGameThread&) = delete;
-    ScopedGameThread& operator=(const ScopedGameThread&) = delete;
-
-  private:
-    SearchThread* saved_;
-};
+// Puts the front end's game, and the search root, on the start position.
+void reset_game_to_start();
 
 // Sets the position, failing the test on an invalid FEN.
 void set_test_position(Position* pos, const std::string& fen);

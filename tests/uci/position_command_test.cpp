@@ -16,7 +16,7 @@ class PositionCommand : public ::testing::Test
     std::string fen() const
     {
         char text[128];
-        write_fen(&game_thread->pos, text);
+        write_fen(game_position(), text);
         return text;
     }
     void run(const char* args)
@@ -25,7 +25,7 @@ class PositionCommand : public ::testing::Test
         std::strcpy(buffer, args);
         position_command(buffer);
     }
-    ScopedGameThread game_;
+    void SetUp() override { reset_game_to_start(); }
 };
 
 } // namespace
@@ -34,13 +34,13 @@ TEST_F(PositionCommand, AppliesMovesAndStopsAtTheFirstIllegalOne)
 {
     run("startpos moves e2e4 e7e5");
     EXPECT_EQ(fen(), "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq e6");
-    EXPECT_EQ(game_thread->pos.game_ply, 2);
+    EXPECT_EQ(game_position()->game_ply, 2);
     run("fen 4k3/P7/8/8/8/8/8/4K3 w - - 0 1 moves a7a8n e8d7");
     EXPECT_EQ(fen(), "N7/3k4/8/8/8/8/8/4K3 w - -");
     run("startpos moves e2e4 e7e4 g1f3");
     EXPECT_EQ(fen(), "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3");
     run("startpos moves e2e4 zz");
-    EXPECT_EQ(game_thread->pos.game_ply, 1);
+    EXPECT_EQ(game_position()->game_ply, 1);
 }
 
 TEST_F(PositionCommand, RefusedPositionsKeepThePreviousOne)
@@ -64,13 +64,13 @@ TEST_F(PositionCommand, VeryLongGamesKeepTheirHistoryBounded)
     std::strcpy(buffer, moves.c_str());
     position_command(buffer);
     delete[] buffer;
-    EXPECT_LT(game_thread->pos.game_ply, MAX_GAME_PLY - 2 * MAX_PLY);
+    EXPECT_LT(game_position()->game_ply, MAX_GAME_PLY - 2 * MAX_PLY);
     EXPECT_EQ(fen(), START_FEN);
 }
 
 TEST(GoCommand, ParsesLimits)
 {
-    ScopedGameThread game;
+    reset_game_to_start();
     limits.base_max_depth = MAX_SEARCH_DEPTH;
     go_command("wtime -100 btime 2500 winc 30 binc 40");
     EXPECT_EQ(limits.white_time, 0.0);

@@ -1,0 +1,22 @@
+// How the search's findings leave it. The search decides when there is
+// something to say; the front end installs the functions that say it in the
+// dialect it speaks. Until then nothing is printed (tools and tests).
+#pragma once
+
+#include "board/types.h"
+
+struct SearchThread;
+
+struct SearchReporter {
+    // A principal variation of the main thread: line number from 1 and a
+    // mark for the console ('+' failed high, '-' failed low, '.' or ' ').
+    void (*pv_line)(const SearchThread* t, int depth, int score, const Move* pv, int line_number, char mark);
+    // Before the root move loop of a long search: how far it has come.
+    void (*status_line)(int completed_depth, int iteration_depth);
+    // The root move now searched, numbered from 1.
+    void (*current_move)(Move move, int number);
+    // A message about the search's own set-up.
+    void (*message)(const char* text);
+};
+
+extern SearchReporter search_reporter;
