@@ -13,6 +13,7 @@ inline int clamp_int(long long v, int lo, int hi)
 // Copies at most size - 1 characters and always terminates.
 inline void copy_text(char* dest, size_t size, const char* text)
 {
-    std::strncpy(dest, text, size - 1);
-    dest[size - 1] = 0;
+    size_t n = strnlen(text, size - 1);
+    std::memmove(dest, text, n);
+    dest[n] = 0;
 }

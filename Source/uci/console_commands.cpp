@@ -270,7 +270,7 @@ void handle_console_command(char* line)
         settings_changed_after_option();
         echo_setting(cmd, v);
     } else if (!std::strcmp(cmd, "ponder")) {
-        int v = std::atol(arg) ? 1 : 0;
+        int v = clamp_int(std::atol(arg), -32768, 32767);
         settings.ponder = int16_t(v);
         settings_changed_after_option();
         echo_setting(cmd, v);

@@ -17,6 +17,7 @@
 #include "uci/console_commands.h"
 #include "uci/game.h"
 #include "uci/input.h"
+#include "uci/options.h"
 #include "uci/search_output.h"
 #include "uci/settings.h"
 
@@ -40,6 +41,7 @@ Move checked_book_move(Move move)
 
 void start_search()
 {
+    apply_waiting_settings(); // the workers are idle here: a new go stopped them
     set_search_root(game_position());
     prepare_search();
     print_search_start();
@@ -196,6 +198,8 @@ void engine_round()
 {
     sleep_ms(1);
     check_time();
+    if (limits.search_state == SEARCH_IDLE && !count_busy_threads())
+        apply_waiting_settings();
     bool pending = false;
     uint8_t state = limits.search_state;
     if (state != SEARCH_REQUESTED && state != PONDER_REQUESTED)

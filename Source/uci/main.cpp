@@ -91,7 +91,8 @@ int read_switches(int argc, char** argv)
                 speed = 1;
             settings.limit_strength = 1;
             int elo = int(elo_of_rate(speed));
-            settings.elo = int16_t(elo);
+            settings.elo = int16_t(clamp_int(elo, 1500, 3300)); // the option's range
+
             std::printf("Elo= %d\n", elo);
             std::fflush(stdout);
         } else if (takes("-hash")) {
@@ -173,7 +174,7 @@ void run_job()
         break; // accepted words without a job
     default:
         calibrate_speed();
-        tb_init(settings.syzygy_path);
+        init_tablebases();
         run_engine_loop();
         break;
     }

@@ -68,9 +68,39 @@ void print_spin(const char* name)
     int max = o->max;
     if (o->field == &EngineSettings::elo)
         max = full_strength_elo();
+    // An interface refuses an option whose default lies outside its range.
+    int shown = clamp_int(search_settings.*(o->field), o->shown_min, max);
     char line[256];
-    send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", name,
-                          search_settings.*(o->field), o->shown_min, max));
+    send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", name, shown,
+                          o->shown_min, max));
+}
+
+// The hash table, the worker pool and the tablebase files cannot change
+// under a running search: such changes wait for it to end.
+void resize_hash()
+{
+    if (settings.hash_mb != tt_megabytes() && !allocate_hash(settings.hash_mb))
+        std::exit(-1);
+}
+
+void restart_threads()
+{
+    if (settings.threads == limits.thread_count)
+        return;
+    stop_threads();
+    limits.thread_count = settings.threads;
+    if (!start_threads(settings.threads)) {
+        send_line("error!");
+        std::exit(-1);
+    }
+}
+
+char tablebase_path[PATH_SIZE];
+
+void reload_tablebases()
+{
+    copy_text(tablebase_path, PATH_SIZE, settings.syzygy_path);
+    tb_init(tablebase_path);
 }
 
 void print_check(const char* name, int16_t value)
@@ -104,6 +134,20 @@ void set_personality(int index, const char* value)
 }
 
 } // namespace
+
+void apply_waiting_settings()
+{
+    resize_hash();
+    restart_threads();
+    if (std::strcmp(tablebase_path, settings.syzygy_path))
+        reload_tablebases();
+    settings_reach_the_search();
+}
+
+void init_tablebases()
+{
+    reload_tablebases();
+}
 
 int full_strength_elo()
 {
@@ -170,18 +214,13 @@ void set_option(const char* name, const char* value)
         send_line(format_line(line, sizeof line, "info string %s set to %d", name, v));
         settings.*(o.field) = int16_t(v);
     }
+    bool busy = search_in_progress();
     if (!std::strcmp(name, "Hash")) {
-        if (settings.hash_mb != tt_megabytes() && !allocate_hash(settings.hash_mb))
-            std::exit(-1);
+        if (!busy)
+            resize_hash();
     } else if (!std::strcmp(name, "Threads")) {
-        if (settings.threads != limits.thread_count) {
-            stop_threads();
-            limits.thread_count = settings.threads;
-            if (!start_threads(settings.threads)) {
-                send_line("error!");
-                std::exit(-1);
-            }
-        }
+        if (!busy)
+            restart_threads();
     } else if (!std::strcmp(name, "Clear_Hash")) {
         if (count_busy_threads() == 0)
             clear_hash_table();
@@ -200,7 +239,8 @@ void set_option(const char* name, const char* value)
     } else if (!std::strcmp(name, "SyzygyPath")) {
         copy_text(settings.syzygy_path, PATH_SIZE, value);
         echo_path("SyzygyPath", settings.syzygy_path);
-        tb_init(settings.syzygy_path);
+        if (!busy)
+            reload_tablebases();
     } else if (!std::strcmp(name, "Log")) {
         if (settings.log_enabled)
             open_log();

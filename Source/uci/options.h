@@ -18,6 +18,14 @@ int allocate_hash(int megabytes);
 // Returns 1 when the file was read, 0 when it could not be opened.
 int load_config_file();
 
+// Carries out what options set during a search left waiting (table size,
+// thread count, tablebase path, the search's copies of the settings); to be
+// called while no search runs.
+void apply_waiting_settings();
+
+// Opens the tablebases of the SyzygyPath setting.
+void init_tablebases();
+
 // The full-strength Elo estimate shown as UCI_Elo's maximum.
 int full_strength_elo();
 

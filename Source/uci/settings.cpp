@@ -1,5 +1,8 @@
 #include "uci/settings.h"
 
+#include "search/limits.h"
+#include "search/threads.h"
+
 #include <cstring>
 
 EngineSettings settings;
@@ -36,9 +39,35 @@ void set_default_settings()
     publish_settings();
 }
 
+namespace
+{
+
+bool waiting = false; // the working copy lags behind the live record
+
+} // namespace
+
+bool search_in_progress()
+{
+    return limits.search_state != SEARCH_IDLE || count_busy_threads() > 0;
+}
+
 void settings_changed_after_option()
 {
     settings.changed = 1;
+    // A running search keeps the settings it started with.
+    if (search_in_progress()) {
+        waiting = true;
+        return;
+    }
+    search_settings = settings;
+    publish_settings();
+}
+
+void settings_reach_the_search()
+{
+    if (!waiting)
+        return;
+    waiting = false;
     search_settings = settings;
     publish_settings();
 }

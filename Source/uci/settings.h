@@ -44,8 +44,13 @@ extern double noise;
 
 void set_default_settings();
 
-// Copies the live record into the working copy and marks it changed.
+// Copies the live record into the working copy and marks it changed; while a
+// search runs, the copy waits until settings_reach_the_search.
 void settings_changed_after_option();
+void settings_reach_the_search();
+
+// A search has been asked for or is running.
+bool search_in_progress();
 
 // Hands the working copy's values to the layers below that keep records of
 // their own (the evaluation's options and the search's configuration).

@@ -117,21 +117,11 @@ void setoption_command(const char* args)
     settings_changed_after_option();
 }
 
-// An interface should stop a search before it changes the position or the
-// options; if it does not, the search is dropped without a report rather
-// than left to run on changing state.
-void abandon_running_search()
-{
-    if (limits.search_state == SEARCH_IDLE)
-        return;
-    stop_and_wait(STOP_SILENT);
-    limits.search_state = SEARCH_IDLE;
-}
-
 void new_game_command()
 {
     stop_and_wait(STOP_SILENT);
     limits.search_state = SEARCH_IDLE;
+    apply_waiting_settings();
     reset_game_limits();
     game_position()->game_ply = 0;
     if (count_busy_threads() == 0)
@@ -269,7 +259,8 @@ void handle_uci_command(char* line)
     } else if (!std::strcmp(word, "isready")) {
         send_line("readyok");
     } else if (!std::strcmp(word, "setoption")) {
-        abandon_running_search();
+        // A running search goes on with its own root and settings; what
+        // cannot change under it waits for its end.
         setoption_command(args);
     } else if (!std::strcmp(word, "debug")) {
         // Command logging is always on; nothing to do.
@@ -278,7 +269,6 @@ void handle_uci_command(char* line)
     } else if (!std::strcmp(word, "ucinewgame")) {
         new_game_command();
     } else if (!std::strcmp(word, "position")) {
-        abandon_running_search();
         position_command(args);
     } else if (!std::strcmp(word, "go")) {
         go_command(args);

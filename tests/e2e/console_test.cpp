@@ -11,6 +11,7 @@ TEST(Console, SettingsWords)
     EXPECT_EQ(e.ask("NMP_depth 4", "NMP_depth"), "NMP_depth set to 4");
     EXPECT_EQ(e.ask("Selectivity 250", "Selectivity"), "Selectivity set to 200");
     EXPECT_EQ(e.ask("ponder 0", "ponder"), "ponder set to 0");
+    EXPECT_EQ(e.ask("ponder 5", "ponder"), "ponder set to 5");
     EXPECT_EQ(e.ask("level 40 300 2", "set level"), "set level to 40 moves in 300.00 seconds, inc 2.00");
     EXPECT_EQ(e.ask("target_nps 50000", "target_nps"), "target_nps set to 50000");
     EXPECT_EQ(e.ask("ss", "selectivity"), "selectivity set to OFF");

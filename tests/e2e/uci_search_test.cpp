@@ -103,6 +103,31 @@ TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
     EXPECT_EQ(u.e.quit(), 0);
 }
 
+// An interface may change the position or an option while a search runs:
+// the search goes on with its own root and its report still comes at "stop";
+// a new table size waits for the search to end.
+TEST(UciSearch, ChangesDuringASearchKeepItsReport)
+{
+    Uci u;
+    u.e.send_line("position startpos");
+    u.e.send_line("go infinite");
+    EXPECT_EQ(u.e.ask("isready", "readyok"), "readyok");
+    u.e.send_line("position startpos moves e2e4");
+    u.e.send_line("setoption name Hash value 32");
+    EXPECT_EQ(u.e.wait_for("info string allocated", 300), "");
+    std::string best = u.e.ask("stop", "bestmove", 5000);
+    ASSERT_EQ(best.rfind("bestmove ", 0), 0u);
+    // A White move of the position the search started from.
+    int from_rank = best[10] - '1';
+    EXPECT_LE(from_rank, 1) << best;
+    EXPECT_EQ(u.e.wait_for("info string allocated", 5000), "info string allocated 32 Mbytes for hash table");
+    // The next search starts from the position set meanwhile: a Black move.
+    best = u.go("startpos moves e2e4", "depth 4");
+    ASSERT_EQ(best.rfind("bestmove ", 0), 0u);
+    EXPECT_GE(best[10] - '1', 6) << best;
+    EXPECT_EQ(u.e.quit(), 0);
+}
+
 // Engine against itself through the protocol, with a clock: every move must
 // be legal, until the game ends or 200 plies are played.
 TEST(UciSearch, SelfPlayGameStaysLegal)
