@@ -3,6 +3,8 @@
 
 #include "board/attacks.h"
 
+#include <array>
+
 // Squares strictly in front of `sq` for `side`, on its file.
 inline Bitboard forward_file(int side, int sq)
 {
@@ -76,3 +78,30 @@ inline Bitboard dilate(Bitboard b)
 
 constexpr Bitboard CENTER_BLOCK = 0x00003C3C3C3C0000ULL; // c3-f6
 constexpr Bitboard QUEEN_SIDE = 0x0F0F0F0F0F0F0F0FULL;   // files a-d
+
+namespace eval_tables
+{
+
+constexpr std::array<std::array<Bitboard, 64>, 2> make_shield_zones()
+{
+    std::array<std::array<Bitboard, 64>, 2> t{};
+    for (int side = 0; side < 2; side++)
+        for (int sq = 0; sq < 64; sq++) {
+            int f = sq & 7, r = sq >> 3;
+            int first = f == 0 ? 0 : f == 7 ? 5 : f - 1;
+            for (int i = 1; i <= 3; i++) {
+                int rank = side == 0 ? r + i : r - i;
+                if (rank < 0 || rank > 7)
+                    break;
+                t[side][sq] |= (Bitboard(7) << first) << (8 * rank);
+            }
+        }
+    return t;
+}
+
+} // namespace eval_tables
+
+// The squares that shelter a king: the three ranks in front of it on its own
+// file and the files beside it (the three nearest files when it stands on an
+// edge file). Three unmoved pawns in front of a castled king fill all nine.
+inline constexpr auto SHIELD_ZONE = eval_tables::make_shield_zones(); // [side][king square]

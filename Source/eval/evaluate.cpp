@@ -255,12 +255,11 @@ void evaluate_king(EvalState& st, int s)
     add<Tune>(st, s, pst_row(st, PST_K, s, k));
 
     if (pos->phase_material[e] > 8) {
-        // Shield: the 3x3 block one rank in front of the king; a square counts
-        // when an own pawn stands on it or one or two ranks behind it.
+        // Shield: a square of the king's shelter counts when an own pawn
+        // stands on it or one or two ranks behind it.
         Bitboard pawns = pos->pieces[s][PAWN];
         Bitboard cover = pawns | shift_forward(s, pawns) | shift_forward(s, shift_forward(s, pawns));
-        Bitboard block = shift_forward(s, KING_ATTACKS[k] | bit(k));
-        int shield = popcount(block & cover);
+        int shield = popcount(SHIELD_ZONE[s][k] & cover);
         if (shield > 9)
             shield = 9;
         float shield_factor = float(shield - 9) * 0.111f;
@@ -677,6 +676,10 @@ void init_evaluation()
 int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int skip, int trace, int16_t* threats)
 {
     c->eval_count++;
+    // Answers that come before the tallies leave none: the search must not
+    // read a threat left over from another node.
+    if (threats)
+        threats[0] = threats[1] = 0;
     if (skip)
         return -10001;
     int special;

@@ -131,6 +131,7 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
     int side = pos->side;
     bool main = is_main(t);
     PlyInfo& pi = t->plies[ROOT_PLY];
+    const int window_alpha = alpha;
     pi.alpha = int16_t(alpha);
     pi.beta = int16_t(beta);
     pi.depth = int16_t(depth);
@@ -175,8 +176,10 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
         if (search_stopped())
             return 0;
         e->score = int16_t(v);
+        // Against the line's own window: a later move that merely fails to
+        // beat the best so far is not a failing root.
         if (main)
-            limits.root_line_state = v <= alpha ? 1 : v >= beta ? 2 : 0;
+            limits.root_line_state = v <= window_alpha ? 1 : v >= beta ? 2 : 0;
         if (v > best) {
             best = v;
             rm.last_score = int16_t(v);
@@ -316,7 +319,7 @@ void run_search(SearchThread* t)
     t->plies[0].tb_result = -1;
     t->plies[0].eval = NO_SCORE;
     t->plies[ROOT_PLY].eval =
-        int16_t(evaluate(&t->pos, &t->eval, t->pos.side, ROOT_PLY, 0, 0, t->plies[ROOT_PLY].threat));
+        int16_t(evaluate(&t->pos, &t->eval, t->pos.side, plies_from_root(ROOT_PLY), 0, 0, t->plies[ROOT_PLY].threat));
 
     if (main) {
         limits.single_reply = t->root_count == 1;

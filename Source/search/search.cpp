@@ -202,11 +202,12 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     pi.king_square = uint8_t(checker);
 
     // Step 8: repetition and fifty-move draws.
-    if (is_draw(pos, ply))
+    int from_root = plies_from_root(ply);
+    if (is_draw(pos, from_root))
         return 0;
 
     // Step 9: check extension.
-    if (in_check && ply <= t->iteration_depth + 7)
+    if (in_check && from_root <= t->iteration_depth + 7)
         depth++;
     pi.depth = int16_t(depth);
 
@@ -230,7 +231,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
             tt_fail_low = entry.bound != BOUND_LOWER && s <= alpha;
             tt_fail_high = entry.bound != BOUND_UPPER && s >= beta;
             if (depth <= entry.depth) {
-                if (entry.bound == BOUND_EXACT && ply >= 8 && (s > NEAR_MATE || s < -NEAR_MATE))
+                if (entry.bound == BOUND_EXACT && from_root >= 8 && (s > NEAR_MATE || s < -NEAR_MATE))
                     return s;
                 if (node_type != NODE_PV) {
                     if (tt_fail_low)
@@ -262,7 +263,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     }
 
     // Step 12: static evaluation.
-    int eval = evaluate(pos, &t->eval, side, ply, 0, 0, t->plies[ply].threat);
+    int eval = evaluate(pos, &t->eval, side, from_root, 0, 0, t->plies[ply].threat);
     pi.eval = int16_t(eval);
 
     // Step 13: too deep.
@@ -303,7 +304,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
                 return beta;
         }
         // 18b: ProbCut.
-        if (depth >= search_params.pc_depth && ply >= 4 && probcut(t, ply, depth, beta))
+        if (depth >= search_params.pc_depth && from_root >= 4 && probcut(t, ply, depth, beta))
             return beta;
         // 18c: null move.
         const MoveEntry* m1 = t->plies[ply - 1].current_move;
@@ -399,7 +400,10 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
                     prune = true;
                 if (prune)
                     continue;
-            } else if (lmp && !quiet) {
+            } else if (lmp && !quiet && depth == 1) {
+                // Tactical moves are pruned at the last ply only: late-move
+                // pruning reaches deeper plies by default, so "the last ply"
+                // is a condition of its own here.
                 if (hist <= LMP_TACTICAL_HISTORY && (cls & 3) != 3 && worth_more(pos, e)
                     && swap(pos, side, move_from(move), move_to(move)) < BAD_SEE)
                     continue;

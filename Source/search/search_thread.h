@@ -17,8 +17,19 @@ constexpr int MOVE_BUFFER_SIZE = (MAX_PLY + 8) * 320;
 constexpr int HISTORY_SIZE = 8 * 16 * 64;
 constexpr int HISTORY_START = 2048;
 
-// The root position's plies; the nodes below it count from here.
+// Two counts of plies meet in the search. The position's own counter starts
+// at 1 where a position is set up, so the root is ply 1: the search stack,
+// the move lists and mate scores (a side mated at ply p scores p - MATE) go
+// by it, which makes a mate in one 9998 and shows as "mate 1". The rules
+// that speak of the distance from the root (the draw test's boundary, the
+// evaluation caches, the check-extension limit, the exact-mate cut, ProbCut)
+// go by plies_from_root, which is 0 at the root.
 constexpr int ROOT_PLY = 1;
+
+inline int plies_from_root(int ply)
+{
+    return ply - ROOT_PLY;
+}
 
 // A counter that its owner bumps while other threads read it (the info line
 // sums all threads' nodes): relaxed atomic loads and stores, so that the

@@ -163,3 +163,34 @@ TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
     }
     c->tuning = 0;
 }
+
+// A king behind its three unmoved pawns has a full shelter: the shield term
+// takes nothing from it. A pawn moved up leaves a hole that costs.
+TEST_F(Evaluation, FullShieldCostsNothing)
+{
+    auto shield_coefficient = [&](const std::string& fen) {
+        set_test_position(g, fen);
+        param_table[PAWN_SHIELD].coef = 0;
+        c->tuning = 1;
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
+        c->tuning = 0;
+        return param_table[PAWN_SHIELD].coef;
+    };
+    // Both kings castled short behind f-, g- and h-pawns on their own squares.
+    EXPECT_EQ(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1RK1 w - -"), 0.0f);
+    // The same for a king in the corner.
+    EXPECT_EQ(shield_coefficient("r2q1r1k/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1R1K w - -"), 0.0f);
+    // White's g-pawn on g4: only the h- and f-files and g4 itself still count.
+    EXPECT_LT(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/6P1/2N5/PP3P1P/R2Q1RK1 w - -"), 0.0f);
+}
+
+// Positions answered by the special endings leave the search no threat of
+// an earlier node.
+TEST_F(Evaluation, SpecialEndingsLeaveNoThreats)
+{
+    set_test_position(g, "k7/8/2K5/8/8/8/8/7R w - -");
+    int16_t threats[2] = {250, 800};
+    EXPECT_EQ(evaluate(&g->pos, c.get(), g->pos.side, 3, 0, 0, threats), 788);
+    EXPECT_EQ(threats[0], 0);
+    EXPECT_EQ(threats[1], 0);
+}

@@ -4,7 +4,7 @@
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "support/search_harness.h"
-#include "uci/settings.h"
+#include "search/search_config.h"
 
 #include <gtest/gtest.h>
 
@@ -71,10 +71,20 @@ TEST(Search, OneLegalMoveAndDepthLimit)
 TEST(Search, SelectivityZeroStillFindsTheMate)
 {
     harness_start();
-    search_settings.selectivity = 0;
+    search_config.selectivity = 0;
     build_search_params();
     SearchOutcome r = harness_search("r2qkb1r/pp2nppp/3p4/2pNN1B1/2BnP3/3P4/PPP2PPP/R2bK2R w KQkq -", 4);
     EXPECT_EQ(r.score, 9996);
-    search_settings.selectivity = 100;
+    search_config.selectivity = 100;
     build_search_params();
+}
+
+// The root counts as failing low only while no move has reached the line's
+// window: moves that merely fail to beat the best so far do not make the
+// time manager hand out more of the clock.
+TEST(Search, RootLineStateFollowsTheWindow)
+{
+    harness_start();
+    harness_search("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -", 8);
+    EXPECT_EQ(limits.root_line_state, 0);
 }
