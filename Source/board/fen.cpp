@@ -74,7 +74,7 @@ int read_fen(Position* pos, const char* text)
         } else if (int code = piece_from_letter(*p)) {
             // Men that fall off the board in a malformed field are dropped.
             if (file < 8 && rank >= 0)
-                place_piece(pos, code, make_square(file, rank));
+                place_piece_keyless(pos, code, make_square(file, rank));
             file++;
         }
     }

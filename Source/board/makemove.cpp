@@ -64,6 +64,11 @@ void place_piece(Position* pos, int code, int sq)
         pos->pawn_key ^= piece_key(code, sq);
 }
 
+void place_piece_keyless(Position* pos, int code, int sq)
+{
+    put_back(pos, code, sq);
+}
+
 void remove_piece(Position* pos, int sq)
 {
     int code = pos->board[sq];

@@ -13,6 +13,10 @@ void unmake_null(Position* pos);
 // early (en-passant keys and special moves are not followed exactly).
 uint64_t key_after(const Position* pos, Move move);
 
-// Piece placement with every summary kept current (used by the reader too).
+// Piece placement with every summary kept current.
 void place_piece(Position* pos, int code, int sq);
 void remove_piece(Position* pos, int sq);
+
+// The same without the keys, for the reader, which computes them from
+// scratch once every man stands.
+void place_piece_keyless(Position* pos, int code, int sq);

@@ -42,10 +42,10 @@ int init_zobrist()
 void compute_keys(const Position* pos, uint64_t* key, uint64_t* pawn_key)
 {
     uint64_t k = 0, pk = 0;
-    for (int sq = 0; sq < 64; sq++) {
+    Bitboard men = occupancy(pos);
+    while (men) {
+        int sq = pop_lsb(men);
         int code = pos->board[sq];
-        if (!code)
-            continue;
         k ^= piece_key(code, sq);
         if (piece_type(code) == PAWN)
             pk ^= piece_key(code, sq);

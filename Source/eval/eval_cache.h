@@ -23,6 +23,10 @@ struct EvalHashEntry {
 };
 static_assert(sizeof(EvalHashEntry) == 16, "evaluation hash entry layout");
 
+// Rows a single evaluation can touch, with room to spare; beyond it the
+// tuner walks the whole table.
+constexpr int MAX_TOUCHED_ROWS = 512;
+
 struct EvalCaches {
     PawnHashEntry pawn_hash[PAWN_HASH_SIZE];
     EvalHashEntry eval_hash[EVAL_HASH_SIZE];
@@ -32,6 +36,9 @@ struct EvalCaches {
     uint64_t eval_probes, eval_hits;
     uint8_t tuning;    // record each row's coefficient (the tuner only)
     double last_phase; // game phase of the last full evaluation
+    // While tuning: rows whose coefficient went from zero to non-zero.
+    uint16_t touched[MAX_TOUCHED_ROWS];
+    int touched_count;
 };
 
 // Zeroes both caches.

@@ -60,3 +60,6 @@ extern DerivedTables derived;
 // Rebuilds the packed copy of the rows and the tables derived from their
 // working values; to be called whenever rows change.
 void refresh_derived_tables();
+
+// The same for one changed row: its packed copy and the tables it feeds.
+void refresh_derived_row(int row);

@@ -72,14 +72,29 @@ struct EvalState {
     int flip[2];      // square maps: sq ^ flip[side]
     int table_offset; // 0: "1" tables, else the distance to the "2" tables
     Score snapshot[EVAL_GROUPS + 1][2];
+    EvalCaches* caches;
 };
+
+// While tuning, a row's coefficient gathers the signed weight it enters the
+// score with (White's uses positive); the rows touched are listed so that
+// the tuner's update need not walk the whole table.
+inline void record_coefficient(EvalState& st, int row, float weight)
+{
+    if (weight == 0.0f)
+        return;
+    EvalParam& p = param_table[row];
+    EvalCaches* c = st.caches;
+    if (p.coef == 0.0f && c->touched_count < MAX_TOUCHED_ROWS)
+        c->touched[c->touched_count++] = uint16_t(row);
+    p.coef += weight;
+}
 
 template <bool Tune>
 inline void add(EvalState& st, int side, int row, int count = 1)
 {
     st.acc[side] += count * param_score[row];
     if constexpr (Tune)
-        param_table[row].coef += float(side == WHITE ? count : -count);
+        record_coefficient(st, row, float(side == WHITE ? count : -count));
 }
 
 // A term scaled by a factor through the working values (mobility-like terms).
@@ -88,7 +103,7 @@ inline void add_scaled(EvalState& st, int side, int row, Score value, float fact
 {
     st.acc[side] += value;
     if constexpr (Tune)
-        param_table[row].coef += side == WHITE ? factor : -factor;
+        record_coefficient(st, row, side == WHITE ? factor : -factor);
 }
 
 inline int pst_row(const EvalState& st, int table, int side, int sq)
@@ -570,6 +585,7 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
     EvalState st;
     std::memset(&st, 0, sizeof st);
     st.pos = pos;
+    st.caches = c;
     st.occ = occupancy(pos);
 
     double sum = double(pos->phase_material[WHITE] + pos->phase_material[BLACK]);

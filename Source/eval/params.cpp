@@ -34,15 +34,55 @@ double single(double x)
     return double(float(x));
 }
 
+// Squares as the tables index them: White's view, a1 = 0.
+constexpr int sq(char file, int rank)
+{
+    return (rank - 1) * 8 + (file - 'a');
+}
+
+// The values the tables are known by, square by square.
+constexpr int STATED_VALUES[][2] = {
+    {PST_K, sq('h', 1)},  {PST_K, sq('g', 1)},  {PST_K, sq('e', 1)},  {PST_K, sq('f', 6)},  {PST_N1, sq('a', 8)},
+    {PST_N1, sq('h', 8)}, {PST_N1, sq('e', 4)}, {PST_N1, sq('f', 5)}, {PST_P1, sq('g', 2)}, {PST_P1, sq('f', 6)},
+    {PST_P1, sq('b', 7)}, {PST_P2, sq('g', 6)}, {PST_P2, sq('f', 7)}, {PST_CP, sq('f', 5)}, {PST_CP, sq('c', 7)},
+    {PST_CP, sq('d', 7)}, {PST_CP, sq('e', 7)}, {PST_CP, sq('f', 7)}, {PST_DP, sq('d', 6)}, {PST_R1, sq('e', 6)},
+    {PST_Q1, sq('b', 7)}};
+
+// The choices made so far, replayed whenever the table is laid down again.
+struct FreezeChoice {
+    char pattern[26];
+    bool frozen;
+};
+FreezeChoice freeze_choices[32];
+int freeze_choice_count = 0;
+
+int apply_frozen(const char* pattern, bool frozen)
+{
+    bool all = !std::strcmp(pattern, "all");
+    int named = 0;
+    for (int row = 0; row < param_count; row++) {
+        EvalParam& p = param_table[row];
+        if (!all && !std::strstr(p.name, pattern))
+            continue;
+        named++;
+        p.frozen = frozen || is_stated_row(row);
+    }
+    return named;
+}
+
 void lay_down_rows()
 {
     int row = 0;
     for (const ParamSpec& spec : PARAM_SPECS)
         for (int i = 0; i < spec.rows; i++) {
-            EvalParam& p = param_table[row++];
+            EvalParam& p = param_table[row];
             std::memset(&p, 0, sizeof p);
             std::strncpy(p.name, spec.name, sizeof p.name - 1);
+            p.frozen = is_stated_row(row);
+            row++;
         }
+    for (int i = 0; i < freeze_choice_count; i++)
+        apply_frozen(freeze_choices[i].pattern, freeze_choices[i].frozen);
     param_count = row;
     param_cursor = 0;
 }
@@ -73,6 +113,43 @@ void repack_row(int row)
 {
     EvalParam& p = param_table[row];
     p.score = make_score(int(std::lround(p.opening_f)), int(std::lround(p.endgame_f)));
+}
+
+bool is_stated_row(int row)
+{
+    for (const auto& v : STATED_VALUES)
+        if (row == v[0] + v[1])
+            return true;
+    int rank = 0, file = 0;
+    auto in = [&](int table) {
+        if (row < table || row >= table + 64)
+            return false;
+        rank = (row - table) / 8;
+        file = (row - table) % 8;
+        return true;
+    };
+    if (in(PST_P1) || in(PST_P2) || in(PST_CP))
+        return rank == 0 || rank == 7;
+    if (in(PST_DP))
+        return rank <= 1 || rank == 7;
+    if (in(PST_K))
+        return file < 4;
+    return false;
+}
+
+int set_frozen(const char* pattern, bool frozen)
+{
+    // "all" starts the list afresh; when the list is full the oldest choice goes.
+    if (!std::strcmp(pattern, "all"))
+        freeze_choice_count = 0;
+    if (freeze_choice_count == 32) {
+        std::memmove(freeze_choices, freeze_choices + 1, sizeof freeze_choices[0] * 31);
+        freeze_choice_count--;
+    }
+    FreezeChoice& c = freeze_choices[freeze_choice_count++];
+    std::snprintf(c.pattern, sizeof c.pattern, "%s", pattern);
+    c.frozen = frozen;
+    return apply_frozen(pattern, frozen);
 }
 
 void apply_default_params()

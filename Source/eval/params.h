@@ -103,5 +103,15 @@ void load_params_file();
 // Sets a row's pair from its working values, rounding half away from zero.
 void repack_row(int row);
 
+// Rows whose values the piece-square tables are built around: the layout's
+// zeros (pawn tables on the first and last ranks, the defended-pawn table
+// also on the second, the king table on files a-d) and a handful of values
+// every table must keep. The tuner never moves them.
+bool is_stated_row(int row);
+
+// Freezes (or thaws) every row whose name contains `pattern` ("all" for
+// every row); stated rows stay frozen. Returns the number of rows named.
+int set_frozen(const char* pattern, bool frozen);
+
 // Prints one piece-square table: rank 8 first, opening values then endgame.
 void print_pst(const char* title, int first_row);

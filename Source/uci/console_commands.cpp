@@ -10,6 +10,7 @@
 #include "book/book.h"
 #include "eval/eval_cache.h"
 #include "eval/evaluate.h"
+#include "eval/params.h"
 #include "output/output.h"
 #include "search/limits.h"
 #include "search/perft.h"
@@ -18,6 +19,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
+#include "tools/tuner.h"
 #include "uci/bounded_input.h"
 #include "uci/game.h"
 #include "uci/input.h"
@@ -212,6 +214,35 @@ void perft_of_game(int depth)
     perft_command(t, depth);
 }
 
+// "tune" alone: one step on the game position towards a loss, then a run
+// over tune.epd that only reads it. "tune FILE RATE POSITIONS" trains.
+void tune_command(const Words& w)
+{
+    SearchThread* t = worker(0);
+    if (!t)
+        return;
+    if (w.text[1][0]) {
+        double rate = std::atof(w.text[2]);
+        long long n = std::atoll(w.text[3]);
+        if (!(rate > 0) || rate > 1e6)
+            rate = 0.001;
+        tune(w.text[1], rate, 1, clamp_int(n > 0 ? n : 1000000, 1, 2000000000));
+    } else {
+        copy_position(&t->pos, t->undo, game_position());
+        train_position(t, 0.0f, 0.001);
+        tune("tune.epd", 0.001, 5, 500000000);
+    }
+    send_line("done!\n");
+}
+
+void freeze_command(const char* word, const char* pattern)
+{
+    bool freeze = !std::strcmp(word, "freeze");
+    int n = set_frozen(*pattern ? pattern : "all", freeze);
+    char line[128];
+    send_line(format_line(line, sizeof line, "%s %d rows", freeze ? "froze" : "thawed", n));
+}
+
 void start_engine_move(bool continuous)
 {
     limits.self_play = continuous;
@@ -259,6 +290,10 @@ void handle_console_command(char* line)
         start_engine_move(true);
     } else if (!std::strcmp(cmd, "move")) {
         start_engine_move(false);
+    } else if (!std::strcmp(cmd, "tune")) {
+        tune_command(w);
+    } else if (!std::strcmp(cmd, "freeze") || !std::strcmp(cmd, "thaw")) {
+        freeze_command(cmd, arg);
     } else if (!std::strcmp(cmd, "swap")) {
         swap_command();
     } else if (!std::strcmp(cmd, "multipv")) {

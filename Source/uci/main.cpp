@@ -13,6 +13,7 @@
 #include "tablebase/tbprobe.h"
 #include "tools/benchmark.h"
 #include "tools/offline_tools.h"
+#include "tools/tuner.h"
 #include "uci/bounded_input.h"
 #include "uci/calibration.h"
 #include "uci/engine_loop.h"
@@ -40,10 +41,21 @@ enum RunMode {
     RUN_MKBOOK = 11,
     RUN_MKCONFIG = 12,
     RUN_MKTUNE = 13,
+    RUN_TRAIN = 14, // the tuner as a batch job
 };
 
 int run_mode = RUN_ENGINE;
 char tool_file[PATH_SIZE];
+double train_rate = 0.001;
+long long train_positions = 0;
+
+// -freeze and -thaw choices, applied once the parameter table exists.
+struct FreezeSwitch {
+    const char* pattern;
+    bool frozen;
+};
+FreezeSwitch freeze_switches[32];
+int freeze_switch_count = 0;
 
 // Reads the switches; returns -1 to go on, or an exit status.
 int read_switches(int argc, char** argv)
@@ -132,6 +144,19 @@ int read_switches(int argc, char** argv)
         } else if (takes("-mktune")) {
             run_mode = RUN_MKTUNE;
             copy_text(tool_file, sizeof tool_file, value);
+        } else if (!std::strcmp(a, "-train") && i + 3 < argc) {
+            // -train FILE RATE POSITIONS: the tuner without the console.
+            run_mode = RUN_TRAIN;
+            copy_text(tool_file, sizeof tool_file, argv[i + 1]);
+            train_rate = std::atof(argv[i + 2]);
+            if (!(train_rate > 0) || train_rate > 1e6)
+                train_rate = 0.001;
+            train_positions = std::atoll(argv[i + 3]);
+            i += 3;
+        } else if ((!std::strcmp(a, "-freeze") || !std::strcmp(a, "-thaw")) && value) {
+            if (freeze_switch_count < 32)
+                freeze_switches[freeze_switch_count++] = {value, a[1] == 'f'};
+            i++;
         } else if (!std::strcmp(a, "-tune")) {
             if (argc >= 4)
                 std::printf("Need to compile with 'make ttune'\n");
@@ -168,6 +193,9 @@ void run_job()
             limits.max_depth = 0;
         noise = 9999;
         make_tune_file(tool_file);
+        break;
+    case RUN_TRAIN:
+        train_from_file(tool_file, train_rate, clamp_int(train_positions, 1, 2000000000));
         break;
     case RUN_MATCH:
     case RUN_MKCONFIG:
@@ -206,6 +234,8 @@ int main(int argc, char** argv)
         load_config_file();
     init_evaluation();
     init_eval_params(0);
+    for (int i = 0; i < freeze_switch_count; i++)
+        set_frozen(freeze_switches[i].pattern, freeze_switches[i].frozen);
     build_search_params();
     settings.changed = search_settings.changed = search_config.changed = 0;
     set_position(game_position(), START_FEN);

@@ -1,0 +1,116 @@
+#include "board/fen.h"
+#include "eval/params.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "support/engine_process.h"
+#include "support/search_harness.h"
+#include "tools/tuner.h"
+
+#include <cmath>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+// Runs in a scratch directory: the tuner writes params.txt where it stands.
+class Tuner : public ::testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        harness_start();
+        ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
+        ASSERT_EQ(chdir(make_temp_dir().c_str()), 0);
+        init_eval_params(0);
+    }
+    void TearDown() override
+    {
+        unlink("params.txt");
+        set_frozen("all", false);
+        init_eval_params(0);
+        ASSERT_EQ(chdir(old_), 0);
+    }
+    std::vector<EvalParam> rows() const { return {param_table, param_table + PARAM_ROWS}; }
+    char old_[4096];
+};
+
+int changed_rows(const std::vector<EvalParam>& before)
+{
+    int n = 0;
+    for (int row = 0; row < PARAM_ROWS; row++)
+        n += before[row].opening_f != param_table[row].opening_f || before[row].endgame_f != param_table[row].endgame_f;
+    return n;
+}
+
+const char* const MIDDLEGAME = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/R2QKB1R w KQ -";
+
+} // namespace
+
+TEST_F(Tuner, TargetsFromTheLabels)
+{
+    double p0 = win_probability(0);
+    EXPECT_DOUBLE_EQ(p0, 0.5);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1.0;", WHITE, 0), float(0.9 + 0.1 * p0));
+    // A result in " c9 " is White's: with Black to move a White win is a loss.
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", BLACK, 0), float(0.1 * p0));
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", WHITE, 0), float(0.9 + 0.1 * p0));
+    // "[" gives both the result and the probability.
+    EXPECT_FLOAT_EQ(tuning_target("x [0.0] ce 40;", BLACK, 40), 1.0f);
+    // Without any result the line trains towards its own evaluation.
+    EXPECT_FLOAT_EQ(tuning_target("x ce 200;", WHITE, 200), float(win_probability(200)));
+}
+
+TEST_F(Tuner, WhichLinesTrainAndWhichRowsMove)
+{
+    std::ofstream("skip.epd") << MIDDLEGAME << " ce 6000; gr 1.0;\n# a comment\n";
+    std::vector<EvalParam> before = rows();
+    tune("skip.epd", 0.05, 1, 3);
+    EXPECT_EQ(changed_rows(before), 0); // ce beyond 5000 is not a training position
+
+    std::ofstream("use.epd") << MIDDLEGAME << " ce -5000; gr 1.0;\n";
+    set_frozen("PST_N1", true);
+    tune("use.epd", 0.05, 1, 3);
+    EXPECT_GT(changed_rows(before), 10);
+    EXPECT_EQ(param_table[MTL_PAWN].score, before[MTL_PAWN].score);
+    for (int sq = 0; sq < 64; sq++)
+        EXPECT_EQ(param_table[PST_N1 + sq].opening_f, before[PST_N1 + sq].opening_f);
+    EXPECT_EQ(param_table[PST_K].opening_f, before[PST_K].opening_f); // a zero of the layout
+
+    // A row the position does not use keeps even its fractional working value.
+    param_table[PST_Q2 + 7].opening_f = 3.25;
+    repack_row(PST_Q2 + 7);
+    tune("use.epd", 0.05, 1, 2);
+    EXPECT_EQ(param_table[PST_Q2 + 7].opening_f, 3.25);
+}
+
+TEST_F(Tuner, TrainingLowersTheErrorAndItsCheckpointReadsBack)
+{
+    // Positions whose results follow one rule the tables can learn: White
+    // wins where White's knight stands on c3, loses where it stands on a3.
+    {
+        std::ofstream f("train.epd");
+        for (int i = 0; i < 200; i++) {
+            f << "r1bqkb1r/pppppppp/2n2n2/8/8/2N2N2/PPPPPPPP/R1BQKB1R w KQkq - ce 0; gr 1.0;\n";
+            f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - ce 0; gr 0.0;\n";
+        }
+    }
+    testing::internal::CaptureStdout();
+    tune("train.epd", 0.5, 1, 4000);
+    std::string out = testing::internal::GetCapturedStdout();
+    std::vector<double> errors;
+    for (size_t at = out.find("avg err= "); at != std::string::npos; at = out.find("avg err= ", at + 1))
+        errors.push_back(std::atof(out.c_str() + at + 9));
+    ASSERT_GE(errors.size(), 3u) << out;
+    EXPECT_LT(errors.back(), errors.front() * 0.8) << out;
+    EXPECT_NE(out.find("\ndone.\n"), std::string::npos);
+
+    // The table as written reads back into the same table.
+    std::vector<EvalParam> tuned = rows();
+    ASSERT_EQ(write_params_file("params.txt"), 1);
+    init_eval_params(0);
+    for (int row = 0; row < PARAM_ROWS; row++)
+        ASSERT_EQ(param_table[row].score, tuned[row].score) << row;
+}
