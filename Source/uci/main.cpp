@@ -12,6 +12,7 @@
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
 #include "tools/benchmark.h"
+#include "tools/label_games.h"
 #include "tools/offline_tools.h"
 #include "tools/tuner.h"
 #include "uci/bounded_input.h"
@@ -42,6 +43,7 @@ enum RunMode {
     RUN_MKCONFIG = 12,
     RUN_MKTUNE = 13,
     RUN_TRAIN = 14, // the tuner as a batch job
+    RUN_LABEL = 15, // games with results to labelled positions
 };
 
 int run_mode = RUN_ENGINE;
@@ -157,6 +159,9 @@ int read_switches(int argc, char** argv)
             if (freeze_switch_count < 32)
                 freeze_switches[freeze_switch_count++] = {value, a[1] == 'f'};
             i++;
+        } else if (takes("-label_games")) {
+            run_mode = RUN_LABEL;
+            copy_text(tool_file, sizeof tool_file, value);
         } else if (!std::strcmp(a, "-tune")) {
             if (argc >= 4)
                 std::printf("Need to compile with 'make ttune'\n");
@@ -193,6 +198,9 @@ void run_job()
             limits.max_depth = 0;
         noise = 9999;
         make_tune_file(tool_file);
+        break;
+    case RUN_LABEL:
+        label_games(tool_file);
         break;
     case RUN_TRAIN:
         train_from_file(tool_file, train_rate, clamp_int(train_positions, 1, 2000000000));

@@ -1,0 +1,76 @@
+#include "board/fen.h"
+#include "support/engine_process.h"
+#include "support/test_positions.h"
+#include "tools/label_games.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+// Runs label_games in a scratch directory; returns the lines written.
+std::vector<std::string> label(const std::string& pgn, long* count)
+{
+    char old[4096];
+    EXPECT_NE(getcwd(old, sizeof old), nullptr);
+    EXPECT_EQ(chdir(make_temp_dir().c_str()), 0);
+    std::ofstream("games.pgn") << pgn;
+    delete new_test_game(); // makes the hashing keys
+    testing::internal::CaptureStdout();
+    *count = label_games("games.pgn");
+    testing::internal::GetCapturedStdout();
+    std::vector<std::string> lines;
+    std::ifstream in("labelled.epd");
+    for (std::string l; std::getline(in, l);)
+        lines.push_back(l);
+    EXPECT_EQ(chdir(old), 0);
+    return lines;
+}
+
+// Twenty moves a side of a quiet opening, so that positions past ply 16 exist.
+const char* const MOVES = "1. Nf3 Nf6 2. Ng1 Ng8 3. Nf3 Nf6 4. Ng1 Ng8 5. Nc3 Nc6 6. Nb1 Nb8 7. Nc3 Nc6 "
+                          "8. Nb1 Nb8 9. e3 e6 10. Nf3 Nf6 11. Ng1 Ng8 12. Nf3 Nf6 13. Ng1 Ng8 14. Nc3 Nc6 "
+                          "15. Nb1 Nb8";
+
+} // namespace
+
+TEST(LabelGames, ResultsAndEvaluationsOfEveryUsablePosition)
+{
+    std::string pgn = std::string("[Event \"a\"]\n[Result \"1-0\"]\n\n") + MOVES + " 1-0\n\n"
+                      + "[Event \"unknown result\"]\n[Result \"*\"]\n\n" + MOVES + " *\n\n"
+                      + "[Event \"no result tag\"]\n\n" + MOVES + "\n\n";
+    long count = 0;
+    std::vector<std::string> lines = label(pgn, &count);
+    // 30 plies: positions 16 .. 23 (the last six are left out); only the first game counts.
+    ASSERT_EQ(count, 8);
+    ASSERT_EQ(lines.size(), 8u);
+    // Ply 16 is the start position again, after the knights' walk.
+    EXPECT_EQ(lines[0], "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e3; ce 0; gr 1.0;");
+    EXPECT_EQ(lines[1], "rnbqkbnr/pppppppp/8/8/8/4P3/PPPP1PPP/RNBQKBNR b KQkq - bm e6; ce 0; gr 0.0;");
+}
+
+TEST(LabelGames, StartPositionsCommentsVariationsAndBrokenGames)
+{
+    // From a set-up position; the first 16 plies carry a variation and a
+    // comment that are left aside, then the moves are scored, mates too.
+    std::string moves;
+    for (int i = 0; i < 4; i++)
+        moves += " Kb2 (Ka2 Kg8) {a side line} Kh7 Ka1 Kh8";
+    moves += " Kb2 {+M5/30} Kh7 {-M4/30} Ka1 {+1.25/10 0.1s} Kh8 {-0.50/9 0.1s}";
+    moves += " Kb2 Kh7 Ka1 Kh8 Kb2 Kh7";
+    std::string pgn = "[Event \"b\"]\n[Result \"1/2-1/2\"]\n[FEN \"7k/8/8/8/8/8/8/K5R1 w - - 0 1\"]\n\n"
+                      + moves.substr(1) + " 1/2-1/2\n\n";
+    // A game whose moves do not fit the standard start breaks at the first.
+    pgn += "[Event \"c\"]\n[Result \"1-0\"]\n\n1. Kb2 Kh7 2. Ka1 Kh8 1-0\n";
+    long count = 0;
+    std::vector<std::string> lines = label(pgn, &count);
+    ASSERT_EQ(count, 4); // 26 plies: 16 .. 19
+    EXPECT_EQ(lines[0], "7k/8/8/8/8/8/8/K5R1 w - - bm Kb2; ce 9000; gr 0.5;");
+    EXPECT_EQ(lines[1], "7k/8/8/8/8/8/1K6/6R1 b - - bm Kh7; ce -9000; gr 0.5;");
+    EXPECT_EQ(lines[2], "8/7k/8/8/8/8/1K6/6R1 w - - bm Ka1; ce 125; gr 0.5;");
+    EXPECT_EQ(lines[3], "8/7k/8/8/8/8/8/K5R1 b - - bm Kh8; ce -50; gr 0.5;");
+}
