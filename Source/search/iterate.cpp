@@ -192,9 +192,13 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
                 t->root_score = v;
                 if (main)
                     limits.root_score = v;
+                // The depth at which a best move was last set, the same move
+                // again included: a node limit applies once an iteration from
+                // the second on has set one. The time manager wants the
+                // depth of the last real change.
+                t->best_move_depth = uint8_t(depth);
                 if (t->best_move != move) {
                     t->best_move = move;
-                    t->best_move_depth = uint8_t(depth);
                     if (main)
                         limits.best_change_depth = int16_t(depth);
                 }

@@ -82,7 +82,7 @@ struct SearchThread {
     uint8_t seldepth;
     std::atomic<uint8_t> iteration_depth;
     uint8_t null_moves_on_path;
-    uint8_t best_move_depth; // iteration of the last change of the root's best move
+    uint8_t best_move_depth; // iteration at which the root last set a best move
     uint32_t root_seed;
 
     // Search stack and ordering tables.

@@ -64,6 +64,14 @@ TEST(UciSearch, LimitsAreHonoured)
     EXPECT_GT(nodes, 0);
     EXPECT_LT(nodes, 20000 * 104 / 100 + 5000); // jittered limit, checked once per node
 
+    // A best move that never changes still lets the node limit stop the
+    // search (the queen is taken at every depth).
+    seen.clear();
+    EXPECT_EQ(u.go("fen 4k3/8/8/3q4/8/8/3R4/4K3 w - - 0 1", "nodes 2000", &seen).rfind("bestmove d2d5", 0), 0u);
+    nodes = value_after(last_info(seen), "nodes");
+    EXPECT_GT(nodes, 0);
+    EXPECT_LT(nodes, 2000 * 104 / 100 + 5000);
+
     seen.clear();
     EXPECT_NE(u.go("startpos", "movetime 300", &seen), "");
     EXPECT_GE(value_after(last_info(seen), "time"), 250);
