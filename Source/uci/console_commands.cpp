@@ -7,7 +7,7 @@
 #include "board/makemove.h"
 #include "board/notation.h"
 #include "board/see.h"
-#include "book/book.h"
+#include "book/book_probe.h"
 #include "eval/eval_cache.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
@@ -181,14 +181,10 @@ void hash_command()
     send_line(format_line(line, sizeof line, "PV: %s\n", pv));
 }
 
+// The probe lists the candidates and the choice itself.
 void book_command()
 {
-    Move m = book_probe(game_position(), search_settings.book_file);
-    if (!m)
-        m = book_probe(game_position(), search_settings.book2_file);
-    char text[MOVE_TEXT_SIZE], line[64];
-    move_to_coord(m, text);
-    send_line(m ? format_line(line, sizeof line, "book move %s", text) : "no book move");
+    book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, noise >= 9999});
 }
 
 void move_input(const char* word)

@@ -5,7 +5,7 @@
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/notation.h"
-#include "book/book.h"
+#include "book/book_probe.h"
 #include "output/output.h"
 #include "search/clock.h"
 #include "search/iterate.h"
@@ -49,11 +49,12 @@ void start_search()
     limits.best_move = limits.ponder_move = 0;
     const Position* pos = game_position();
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
+        BookOptions book = {search_settings.book_variety, noise >= 9999};
         Move move = 0;
         if (game_position()->game_ply < search_settings.book_depth)
-            move = book_probe(pos, search_settings.book_file);
+            move = book_probe(pos, search_settings.book_file, book);
         if (!move && game_position()->game_ply < search_settings.book2_depth)
-            move = book_probe(pos, search_settings.book2_file);
+            move = book_probe(pos, search_settings.book2_file, book);
         move = checked_book_move(move);
         if (move) {
             char line[128];

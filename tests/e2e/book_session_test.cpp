@@ -1,0 +1,164 @@
+// Book moves through the real binary, driven as an interface drives it.
+#include "board/fen.h"
+#include "book/book_entry.h"
+#include "book/book_key.h"
+#include "support/engine_process.h"
+#include "support/test_positions.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+const std::string LASKER = data_path("books/lasker-trap.bin");
+
+std::vector<std::string> go_lines(EngineProcess& e, const std::string& position, const std::string& go)
+{
+    e.send_line("position " + position);
+    e.send_line("go " + go);
+    std::vector<std::string> seen;
+    e.wait_for("bestmove", 60000, &seen);
+    return seen;
+}
+
+bool has_line_starting(const std::vector<std::string>& lines, const std::string& prefix)
+{
+    for (const std::string& l : lines)
+        if (l.rfind(prefix, 0) == 0)
+            return true;
+    return false;
+}
+
+void start_uci(EngineProcess& e)
+{
+    e.send_line("uci");
+    e.wait_for("uciok");
+    e.send_line("setoption name OwnBook value true");
+    e.send_line("setoption name OwnBook_File value " + LASKER);
+}
+
+} // namespace
+
+// A search request in a book position is answered from the book at once:
+// the listing, the book line and the move, with no search in between.
+TEST(BookSession, GoPlaysTheBookMove)
+{
+    EngineProcess e;
+    start_uci(e);
+    std::vector<std::string> seen = go_lines(e, "startpos moves d2d4", "wtime 60000 btime 60000");
+    std::vector<std::string> tail(seen.end() - 3, seen.end());
+    EXPECT_EQ(tail, (std::vector<std::string>{"info string ( book moves are: d7d5  )", "info string book move is d7d5",
+                                              "bestmove d7d5"}));
+    EXPECT_FALSE(has_line_starting(seen, "info depth"));
+
+    // Out of the book the engine searches.
+    seen = go_lines(e, "startpos moves e2e4", "depth 3");
+    EXPECT_FALSE(has_line_starting(seen, "info string book move"));
+    EXPECT_TRUE(has_line_starting(seen, "info depth"));
+
+    // The under-promotion at the end of the line is played as such.
+    seen =
+        go_lines(e, "startpos moves d2d4 d7d5 c2c4 e7e5 d4e5 d5d4 e2e3 f8b4 c1d2 d4e3 d2b4 e3f2 e1e2", "movetime 5000");
+    EXPECT_EQ(seen.back(), "bestmove f2g1n");
+    EXPECT_EQ(e.quit(), 0);
+}
+
+// Pondering never takes a book move: the search runs and reports only
+// when told to stop.
+TEST(BookSession, PonderNeverTakesABookMove)
+{
+    EngineProcess e;
+    start_uci(e);
+    e.send_line("position startpos moves d2d4");
+    e.send_line("go ponder wtime 60000 btime 60000");
+    e.send_line("isready");
+    std::vector<std::string> seen;
+    EXPECT_NE(e.wait_for("readyok", 10000, &seen), "");
+    e.send_line("stop");
+    EXPECT_NE(e.wait_for("bestmove", 10000, &seen), "");
+    EXPECT_FALSE(has_line_starting(seen, "info string ( book moves"));
+    EXPECT_FALSE(has_line_starting(seen, "info string book move"));
+    EXPECT_EQ(e.quit(), 0);
+}
+
+// Options decide when each book is asked: OwnBook itself, the depth of the
+// first book, the second book with its own depth (0 by default).
+TEST(BookSession, BookOptionsAndTheSecondBook)
+{
+    EngineProcess e;
+    start_uci(e);
+    e.send_line("setoption name OwnBook value false");
+    EXPECT_FALSE(has_line_starting(go_lines(e, "startpos moves d2d4", "depth 2"), "info string book move"));
+    e.send_line("setoption name OwnBook value true");
+    e.send_line("setoption name OwnBook_Depth value 1");
+    EXPECT_FALSE(has_line_starting(go_lines(e, "startpos moves d2d4", "depth 2"), "info string book move"));
+
+    e.send_line("setoption name OwnBook_File value missing.bin");
+    e.send_line("setoption name OwnBook_Depth value 24");
+    e.send_line("setoption name OwnBook2_File value " + LASKER);
+    EXPECT_FALSE(has_line_starting(go_lines(e, "startpos moves d2d4", "depth 2"), "info string book move"));
+    e.send_line("setoption name OwnBook2_Depth value 4");
+    std::vector<std::string> seen = go_lines(e, "startpos moves d2d4 d7d5 c2c4", "depth 2");
+    EXPECT_EQ(seen.back(), "bestmove e7e5");
+    EXPECT_TRUE(has_line_starting(seen, "info string book move is e7e5"));
+    EXPECT_FALSE(
+        has_line_starting(go_lines(e, "startpos moves d2d4 d7d5 c2c4 e7e5 d4e5", "depth 2"), "info string book move"));
+    EXPECT_EQ(e.quit(), 0);
+}
+
+// A book move that would leave the mover's king in check is listed by the
+// probe but never played: the search decides instead.
+TEST(BookSession, IllegalBookMoveIsSearchedInstead)
+{
+    std::string dir = make_temp_dir();
+    Game* g = new_test_game();
+    const std::string fen = "4k3/4r3/8/8/8/8/4B3/4K3 w - -";
+    set_test_position(g, fen);
+    BookEntry entry = {book_key(&g->pos), uint16_t(12 << 6 | 19), 5, 0}; // the pinned bishop, e2d3
+    free_test_game(g);
+    unsigned char bytes[BOOK_ENTRY_SIZE];
+    encode_book_entry(&entry, bytes);
+    std::ofstream(dir + "/pin.bin", std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof bytes);
+
+    EngineProcess e;
+    start_uci(e);
+    e.send_line("setoption name OwnBook_File value " + dir + "/pin.bin");
+    std::vector<std::string> seen = go_lines(e, "fen " + fen, "depth 3");
+    EXPECT_TRUE(has_line_starting(seen, "info string ( book moves are: e2d3  )"));
+    EXPECT_FALSE(has_line_starting(seen, "info string book move"));
+    EXPECT_TRUE(has_line_starting(seen, "info depth"));
+    EXPECT_NE(seen.back(), "bestmove e2d3");
+    EXPECT_EQ(e.quit(), 0);
+    std::filesystem::remove_all(dir);
+}
+
+// -book names the first book without switching it on; -quiet silences the
+// listing but not the book line. The console word `book` lists and chooses.
+TEST(BookSession, CommandLineAndConsole)
+{
+    EngineProcess e({"-book", LASKER, "-quiet"});
+    e.send_line("uci");
+    e.wait_for("uciok");
+    EXPECT_FALSE(has_line_starting(go_lines(e, "startpos moves d2d4", "depth 2"), "info string book move"));
+    e.send_line("setoption name OwnBook value true");
+    std::vector<std::string> seen = go_lines(e, "startpos moves d2d4", "depth 2");
+    EXPECT_EQ(std::vector<std::string>(seen.end() - 2, seen.end()),
+              (std::vector<std::string>{"info string book move is d7d5", "bestmove d7d5"}));
+    EXPECT_FALSE(has_line_starting(seen, "info string ( book moves"));
+    EXPECT_EQ(e.quit(), 0);
+
+    EngineProcess c({"-c", "-book", LASKER});
+    c.send_line("d4");
+    c.send_line("book");
+    EXPECT_EQ(c.wait_for("  d7d5"), "  d7d5  cnt=     2, weight= 100.00% -> 100.00%");
+    EXPECT_EQ(c.wait_for("selecting"), "selecting d7d5");
+    c.send_line("noise 9999");
+    c.send_line("book");
+    c.send_line("d5");
+    std::vector<std::string> lines;
+    c.wait_for("rnbqkbnr/ppp1pppp/8/3p4/3P4/8/PPP1PPPP/RNBQKBNR w KQkq", 10000, &lines);
+    EXPECT_FALSE(has_line_starting(lines, "selecting"));
+    EXPECT_EQ(c.quit(), 0);
+}
