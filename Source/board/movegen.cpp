@@ -54,14 +54,15 @@ inline MoveEntry* add_promotion(MoveEntry* list, const Position* pos, int from, 
     return list;
 }
 
-} // namespace
-
-MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int checker)
+// The generators below, limited to moves whose to-square is in `mask`
+// (every square for the public generators), so that a caller after the
+// moves to a few squares need not generate the rest.
+MoveEntry* captures_into(const Position* pos, int side, MoveEntry* list, int checker, Bitboard mask)
 {
     Bitboard enemy = pos->pieces[side ^ 1][0];
-    Bitboard targets = checker == NO_SQUARE ? enemy : bit(checker);
+    Bitboard targets = (checker == NO_SQUARE ? enemy : bit(checker)) & mask;
     // An absent en-passant square (64) shifts to bit 0, which the mask drops.
-    Bitboard pawn_targets = (targets | bit(pos->ep_square & 63)) & INNER_RANKS;
+    Bitboard pawn_targets = (targets | (bit(pos->ep_square & 63) & mask)) & INNER_RANKS;
     Bitboard pawns = pos->pieces[side][PAWN];
     if (side == WHITE) {
         list = add_pawn_targets(list, pos, (pawns << 7) & ~FILE_H & pawn_targets, 7);
@@ -74,20 +75,20 @@ MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int chec
     list = add_piece_moves<BISHOP>(list, pos, side, targets);
     list = add_piece_moves<ROOK>(list, pos, side, targets);
     list = add_piece_moves<QUEEN>(list, pos, side, targets);
-    return add_piece_moves<KING>(list, pos, side, enemy);
+    return add_piece_moves<KING>(list, pos, side, enemy & mask);
 }
 
-MoveEntry* gen_promotions(const Position* pos, int side, bool all_pieces, MoveEntry* list)
+MoveEntry* promotions_into(const Position* pos, int side, bool all_pieces, MoveEntry* list, Bitboard mask)
 {
     Bitboard pawns = pos->pieces[side][PAWN] & SEVENTH_RANK[side];
-    Bitboard enemy = pos->pieces[side ^ 1][0];
+    Bitboard enemy = pos->pieces[side ^ 1][0] & mask;
     Bitboard occ = occupancy(pos);
     int step = PAWN_STEP[side];
     // Captures towards the a-file are step - 1, towards the h-file step + 1.
     while (pawns) {
         int from = pop_lsb(pawns);
         int to = from + step;
-        if (!(occ & bit(to)))
+        if (!(occ & bit(to)) && (mask & bit(to)))
             list = add_promotion(list, pos, from, to, all_pieces);
         if (file_of(from) != 0 && (enemy & bit(to - 1)))
             list = add_promotion(list, pos, from, to - 1, all_pieces);
@@ -97,11 +98,11 @@ MoveEntry* gen_promotions(const Position* pos, int side, bool all_pieces, MoveEn
     return list;
 }
 
-MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checker)
+MoveEntry* quiets_into(const Position* pos, int side, MoveEntry* list, int checker, Bitboard mask)
 {
     Bitboard occ = occupancy(pos);
     Bitboard empty = ~occ;
-    Bitboard targets = empty;
+    Bitboard targets = empty & mask;
     if (checker != NO_SQUARE)
         targets &= BETWEEN[checker][pos->king_square[side]];
     Bitboard pawns = pos->pieces[side][PAWN];
@@ -118,23 +119,46 @@ MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checke
     list = add_piece_moves<BISHOP>(list, pos, side, targets);
     list = add_piece_moves<ROOK>(list, pos, side, targets);
     list = add_piece_moves<QUEEN>(list, pos, side, targets);
-    list = add_piece_moves<KING>(list, pos, side, empty);
+    list = add_piece_moves<KING>(list, pos, side, empty & mask);
 
     int from = pos->king_square[side];
     if (from == KING_START[side]) {
-        if ((pos->castling & (1 << (2 * side))) && !(occ & (bit(from + 1) | bit(from + 2))))
+        if ((pos->castling & (1 << (2 * side))) && !(occ & (bit(from + 1) | bit(from + 2))) && (mask & bit(from + 2)))
             list = add(list, pos, from, from + 2);
-        if ((pos->castling & (2 << (2 * side))) && !(occ & (bit(from - 1) | bit(from - 2) | bit(from - 3))))
+        if ((pos->castling & (2 << (2 * side))) && !(occ & (bit(from - 1) | bit(from - 2) | bit(from - 3)))
+            && (mask & bit(from - 2)))
             list = add(list, pos, from, from - 2);
     }
     return list;
 }
 
+} // namespace
+
+MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int checker)
+{
+    return captures_into(pos, side, list, checker, ~Bitboard(0));
+}
+
+MoveEntry* gen_promotions(const Position* pos, int side, bool all_pieces, MoveEntry* list)
+{
+    return promotions_into(pos, side, all_pieces, list, ~Bitboard(0));
+}
+
+MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checker)
+{
+    return quiets_into(pos, side, list, checker, ~Bitboard(0));
+}
+
 MoveEntry* gen_all(const Position* pos, MoveEntry* list)
 {
-    list = gen_captures(pos, pos->side, list, NO_SQUARE);
-    list = gen_promotions(pos, pos->side, true, list);
-    list = gen_quiets(pos, pos->side, list, NO_SQUARE);
+    return gen_all_to(pos, ~Bitboard(0), list);
+}
+
+MoveEntry* gen_all_to(const Position* pos, Bitboard mask, MoveEntry* list)
+{
+    list = captures_into(pos, pos->side, list, NO_SQUARE, mask);
+    list = promotions_into(pos, pos->side, true, list, mask);
+    list = quiets_into(pos, pos->side, list, NO_SQUARE, mask);
     list->move = MOVE_END;
     return list;
 }

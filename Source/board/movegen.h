@@ -31,6 +31,9 @@ MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checke
 // address of the end marker.
 MoveEntry* gen_all(const Position* pos, MoveEntry* list);
 
+// The moves of gen_all whose to-square is in `mask`, castling included.
+MoveEntry* gen_all_to(const Position* pos, Bitboard mask, MoveEntry* list);
+
 // Could `move` have been generated here for the side to move?
 bool is_pseudo_legal(const Position* pos, Move move);
 

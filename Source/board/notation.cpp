@@ -8,6 +8,7 @@
 
 #include <cctype>
 #include <cstring>
+#include <initializer_list>
 
 namespace
 {
@@ -46,16 +47,61 @@ bool gives_check_mark(const Position* pos, Move move)
     return least_attacker(&after, pos->king_square[side ^ 1], side, mask) != NO_SQUARE;
 }
 
-void append(char* text, const char* suffix)
-{
-    std::strcat(text, suffix);
-}
+// Writes a text from the front; the caller ends it.
+struct TextEnd {
+    char* end;
+    void put(char c) { *end++ = c; }
+    void put(const char* text)
+    {
+        while (*text)
+            *end++ = *text++;
+    }
+};
 
 void cut_at_plus(char* text)
 {
     char* plus = std::strchr(text, '+');
     if (plus)
         *plus = 0;
+}
+
+// Could any text of `move` read as `input` (already in the parser's form:
+// check marks cut, promotion as "=X", castling zeros and capitals as "o")?
+// A move that fails this test cannot match, so the parser skips its
+// legality test and its texts. What the texts look like:
+// - the coordinate form starts with the from-square and holds the to-square;
+// - a piece's SAN forms start with its letter and end with the to-square;
+// - a pawn's SAN forms start with a file letter and hold the to-square,
+//   except the short capture ("ed", "ed=Q") and, for a push, the file form,
+//   which is only the promotion suffix ("=Q");
+// - castling reads "o-o" or "o-o-o" (its capital and zero forms cannot
+//   match, since the input holds neither).
+bool could_read_as(const Position* pos, Move move, const char* input, Bitboard named)
+{
+    int from = move_from(move), to = move_to(move);
+    int type = piece_type(pos->board[from]);
+    char first = input[0];
+    if (first == 'o')
+        return type == KING && (to == from + 2 || to == from - 2);
+    if (first == '=')
+        return type == PAWN;
+    bool names_to = named & bit(to);
+    if (first >= 'a' && first <= 'h') {
+        if (type == PAWN)
+            return names_to || (first == 'a' + file_of(from) && input[1] == 'a' + file_of(to));
+        return names_to && first == 'a' + file_of(from) && input[1] == '1' + rank_of(from);
+    }
+    return names_to && first == PIECE_LETTERS[type];
+}
+
+// Every square whose name appears somewhere in the text.
+Bitboard named_squares(const char* text)
+{
+    Bitboard named = 0;
+    for (const char* c = text; c[0] && c[1]; c++)
+        if (c[0] >= 'a' && c[0] <= 'h' && c[1] >= '1' && c[1] <= '8')
+            named |= bit(make_square(c[0] - 'a', c[1] - '1'));
+    return named;
 }
 
 } // namespace
@@ -87,64 +133,59 @@ void move_texts(const Position* pos, Move move, char* coord, char* san, char* sa
     int type = piece_type(code);
     int side = pos->side;
     const char* to_name = SQUARE_NAMES[to];
-    char from_file[2] = {char('a' + file_of(from)), 0};
-    char from_rank[2] = {char('1' + rank_of(from)), 0};
+    char from_file = char('a' + file_of(from));
+    char from_rank = char('1' + rank_of(from));
+    TextEnd c{coord}, s{san}, f{san_file}, r{san_rank};
 
-    std::memcpy(coord, SQUARE_NAMES[from], 2);
-    std::memcpy(coord + 2, to_name, 2);
-    coord[4] = 0;
-    san[0] = san_file[0] = san_rank[0] = 0;
-
+    c.put(SQUARE_NAMES[from]);
+    c.put(to_name);
     if (type == KING && (to == from + 2 || to == from - 2)) {
         bool king_side = to == from + 2;
-        std::strcpy(san, king_side ? "o-o" : "o-o-o");
-        std::strcpy(san_file, king_side ? "O-O" : "O-O-O");
-        std::strcpy(san_rank, king_side ? "0-0" : "0-0-0");
+        s.put(king_side ? "o-o" : "o-o-o");
+        f.put(king_side ? "O-O" : "O-O-O");
+        r.put(king_side ? "0-0" : "0-0-0");
     } else if (type != PAWN) {
-        char letter[2] = {PIECE_LETTERS[type], 0};
-        const char* x = pos->board[to] ? "x" : "";
+        char letter = PIECE_LETTERS[type];
+        bool capture = pos->board[to] != 0;
         Bitboard others = rivals(pos, side, type, from, to);
-        std::strcpy(san, letter);
+        s.put(letter);
         // A rival on the same file is told apart by the rank, and one on the
         // same rank by the file; other cases keep the plain form.
         if (others & file_mask(file_of(from)))
-            append(san, from_rank);
+            s.put(from_rank);
         else if (others & rank_mask(rank_of(from)))
-            append(san, from_file);
-        append(san, x);
-        append(san, to_name);
-        std::strcpy(san_file, letter);
-        append(san_file, from_file);
-        append(san_file, x);
-        append(san_file, to_name);
-        std::strcpy(san_rank, letter);
-        append(san_rank, from_rank);
-        append(san_rank, x);
-        append(san_rank, to_name);
+            s.put(from_file);
+        f.put(letter);
+        f.put(from_file);
+        r.put(letter);
+        r.put(from_rank);
+        for (TextEnd* t : {&s, &f, &r}) {
+            if (capture)
+                t->put('x');
+            t->put(to_name);
+        }
     } else {
         if (pos->board[to] || to == pos->ep_square) {
-            std::strcpy(san, from_file);
-            append(san, "x");
-            append(san, to_name);
-            std::strcpy(san_file, from_file);
-            san_file[1] = char('a' + file_of(to));
-            san_file[2] = 0;
+            s.put(from_file);
+            s.put('x');
+            s.put(to_name);
+            f.put(from_file);
+            f.put(char('a' + file_of(to)));
         } else {
-            std::strcpy(san, to_name);
+            s.put(to_name);
         }
         if (char letter = promotion_letter(move)) {
-            char suffix[3] = {'=', letter, 0};
-            append(coord, suffix);
-            append(san, suffix);
-            append(san_file, suffix);
+            for (TextEnd* t : {&c, &s, &f}) {
+                t->put('=');
+                t->put(letter);
+            }
         }
     }
-    if (gives_check_mark(pos, move)) {
-        append(coord, "+");
-        append(san, "+");
-        append(san_file, "+");
-        append(san_rank, "+");
-    }
+    if (gives_check_mark(pos, move))
+        for (TextEnd* t : {&c, &s, &f, &r})
+            t->put('+');
+    for (TextEnd* t : {&c, &s, &f, &r})
+        *t->end = 0;
 }
 
 int parse_move(const Position* pos, const char* text, Move* move)
@@ -170,12 +211,18 @@ int parse_move(const Position* pos, const char* text, Move* move)
         if (*c == 'O' || *c == '0')
             *c = 'o';
 
+    // Only castling, a bare promotion suffix and the short pawn capture
+    // ("ed") can match without naming the to-square; otherwise only the
+    // moves to the squares named need to be generated.
+    Bitboard named = named_squares(input);
+    bool short_capture = input[0] >= 'a' && input[0] <= 'h' && input[1] >= 'a' && input[1] <= 'h';
+    bool any_square = input[0] == 'o' || input[0] == '=' || short_capture;
     MoveEntry list[MAX_MOVES];
-    gen_all(pos, list);
+    gen_all_to(pos, any_square ? ~Bitboard(0) : named, list);
     int matches = 0;
     Move found = 0;
     for (MoveEntry* e = list; e->move != MOVE_END; e++) {
-        if (e->move == 0 || !is_legal(pos, pos->side, e->move))
+        if (e->move == 0 || !could_read_as(pos, e->move, input, named) || !is_legal(pos, pos->side, e->move))
             continue;
         char forms[4][MOVE_TEXT_SIZE];
         move_texts(pos, e->move, forms[0], forms[1], forms[2], forms[3]);

@@ -3,6 +3,7 @@
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>
+#include <string>
 #include <vector>
 
 namespace
@@ -106,6 +107,38 @@ TEST(MoveGen, PseudoLegalityOfStoredMoves)
     EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e2", "d3"))); // pawn diagonal to an empty square
     set_test_position(g, "8/4P3/8/8/8/8/k7/4K3 w - -");
     EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e7", "e8"))); // never generated without a flag
+    free_test_game(g);
+}
+
+// The moves to a set of squares are exactly the full list's moves to those
+// squares, in the same order: captures (en passant too), promotions of all
+// four kinds, double steps and castling onto a square of the set.
+TEST(MoveGen, MovesToChosenSquares)
+{
+    Game* g = new_test_game();
+    std::vector<std::string> fens;
+    for (const PerftCase& c : load_perft_cases())
+        fens.push_back(c.fen);
+    uint64_t x = 0x9E3779B97F4A7C15ULL;
+    int compared = 0;
+    for (const std::string& fen : fens) {
+        set_test_position(g, fen);
+        MoveEntry all[MAX_MOVES], some[MAX_MOVES];
+        MoveEntry* end = gen_all(&g->pos, all);
+        for (int round = 0; round < 200; round++) {
+            x ^= x << 13, x ^= x >> 7, x ^= x << 17;
+            Bitboard mask = round < 64 ? bit(round) : (x & (x >> 11) & (x >> 23));
+            std::vector<Move> expected;
+            for (MoveEntry* e = all; e != end; e++)
+                if (mask & bit(move_to(e->move)))
+                    expected.push_back(e->move);
+            MoveEntry* stop = gen_all_to(&g->pos, mask, some);
+            ASSERT_EQ(stop->move, MOVE_END);
+            ASSERT_EQ(moves_of(some, stop), expected) << fen << " mask " << mask;
+            compared++;
+        }
+    }
+    EXPECT_EQ(compared, 200 * int(fens.size()));
     free_test_game(g);
 }
 
