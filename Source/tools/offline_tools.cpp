@@ -29,8 +29,3 @@ double make_tune_file(const char* file)
     not_built("tuning-data generation", file);
     return 0.0;
 }
-
-void make_book(const char* file)
-{
-    not_built("book building", file);
-}

@@ -11,6 +11,3 @@ void scan_pgn(const char* file, int variant);
 
 // -mktune: quiet training positions from labelled EPD lines.
 double make_tune_file(const char* file);
-
-// -mkbook: an opening book from PGN games.
-void make_book(const char* file);

@@ -1,5 +1,6 @@
 // Korvel: start-up, the command line and shut-down.
 #include "board/fen.h"
+#include "book/book_builder.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "output/output.h"

@@ -1,10 +1,13 @@
 #include "board/fen.h"
 #include "board/makemove.h"
+#include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_key.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -58,4 +61,44 @@ TEST(BookKey, EnPassantOnlyWhenUsable)
     EXPECT_EQ(book_key(&a->pos), book_key(&b->pos));
     free_test_game(a);
     free_test_game(b);
+}
+
+// Following a game by the squares that change gives the same key as hashing
+// every man again: captures, en passant, castling (two men move) and
+// promotions (a man changes kind) included.
+TEST(BookKey, ChangesFollowEveryKindOfMove)
+{
+    Game* g = new_test_game();
+    uint32_t x = 2024;
+    int moves = 0;
+    for (const PerftCase& c : load_perft_cases()) {
+        set_test_position(g, c.fen);
+        uint64_t men = book_key_men(&g->pos);
+        for (int ply = 0; ply < 40; ply++) {
+            MoveEntry list[MAX_MOVES];
+            int n = gen_legal(&g->pos, list);
+            if (n == 0)
+                break;
+            // Prefer the special moves, so that every kind comes up often.
+            int pick = -1;
+            for (int i = 0; i < n && pick < 0; i++) {
+                Move m = list[i].move;
+                bool castles = piece_type(list[i].piece) == KING && std::abs(move_to(m) - move_from(m)) == 2;
+                bool special = is_promotion(m) || move_to(m) == g->pos.ep_square || castles;
+                if (special && (x = x * 1103515245u + 12345u) >> 31)
+                    pick = i;
+            }
+            if (pick < 0)
+                pick = int((x = x * 1103515245u + 12345u) >> 16) % n;
+            uint8_t before[64];
+            std::memcpy(before, g->pos.board, sizeof before);
+            make_move(&g->pos, list[pick].move);
+            men ^= book_key_men_change(before, g->pos.board);
+            ASSERT_EQ(men, book_key_men(&g->pos)) << c.fen << " ply " << ply;
+            ASSERT_EQ(men ^ book_key_state(&g->pos), book_key(&g->pos));
+            moves++;
+        }
+    }
+    EXPECT_GT(moves, 1000);
+    free_test_game(g);
 }
