@@ -14,6 +14,9 @@
 namespace
 {
 
+// Entries read at once for the last steps of the search (4 KB).
+constexpr int SEARCH_WINDOW = 256;
+
 // Binary search of the open file for the first entry whose key is not below
 // `key`; then the run of entries with that key. The file length decides the
 // entry count, so a file cut inside an entry loses only that entry.
@@ -27,11 +30,23 @@ int find_moves(int fd, uint64_t key, BookEntry* entries)
     if (read_book_entry(fd, last, &candidate))
         return 0;
     int64_t lo = -1, hi = last;
+    // Once the range fits one small read, the rest of the search runs on a
+    // copy in memory: the same steps, a third of the system calls.
+    unsigned char window[SEARCH_WINDOW * BOOK_ENTRY_SIZE];
+    int64_t window_start = -1;
     while (hi - lo != 1) {
+        if (window_start < 0 && hi - lo - 1 <= SEARCH_WINDOW) {
+            size_t bytes = size_t(hi - lo - 1) * BOOK_ENTRY_SIZE;
+            if (pread(fd, window, bytes, off_t(lo + 1) * BOOK_ENTRY_SIZE) != ssize_t(bytes))
+                return 0; // the file shrank under us
+            window_start = lo + 1;
+        }
         int64_t mid = (lo + hi) / 2;
         BookEntry entry;
-        if (read_book_entry(fd, mid, &entry))
-            return 0; // the file shrank under us
+        if (window_start >= 0)
+            decode_book_entry(window + (mid - window_start) * BOOK_ENTRY_SIZE, &entry);
+        else if (read_book_entry(fd, mid, &entry))
+            return 0;
         if (key <= entry.key) {
             hi = mid;
             candidate = entry;
