@@ -9,6 +9,7 @@ constexpr uint8_t WDL_MAGIC[4] = {0x71, 0xE8, 0x23, 0x5D};
 constexpr uint8_t DTZ_MAGIC[4] = {0xD7, 0x66, 0x0C, 0xA5};
 constexpr int FILE_SPLIT = 1; // a win/draw/loss file keeps both sides to move
 constexpr int FILE_PAWNS = 2;
+constexpr int CHECKSUM_BYTES = 16;
 
 // Reads the ordering block of one pawn file (or of the whole table): the
 // ordering byte(s), then a byte per man with one side's code in each nibble.
@@ -125,6 +126,9 @@ bool tb_layout_read(TbLayout* t, const uint8_t* data, size_t size, const TbMater
             tb_align(&c, 64);
             t->part[f][s].pairs.blocks = tb_take(&c, tb_blocks_bytes(&t->part[f][s].pairs));
         }
+    // Every published file ends in a 16-byte checksum: a file shorter than
+    // that has lost data.
+    tb_take(&c, CHECKSUM_BYTES);
     if (!c.ok) {
         tb_layout_release(t);
         return false;

@@ -69,6 +69,34 @@ bool measure_symbols(TbPairs* p)
     return true;
 }
 
+// The decoder trusts what is checked here: the bases fall with the code
+// length (so the search for a code's length ends by the longest), and every
+// code of every length names an existing symbol.
+bool codes_are_canonical(TbPairs* p)
+{
+    for (int len = p->min_len; len < p->max_len; len++)
+        if (p->base[len] < p->base[len + 1])
+            return false;
+    for (int len = p->min_len; len <= p->max_len; len++) {
+        uint64_t top = len == p->min_len ? ~uint64_t(0) : p->base[len - 1] - 1;
+        if (len > p->min_len && p->base[len - 1] == p->base[len])
+            continue; // no code of this length
+        if (p->lowest_symbol[len] + ((top - p->base[len]) >> (64 - len)) >= p->symbol_count)
+            return false;
+    }
+    // Where to start looking for the length of a code by its first byte:
+    // shorter lengths whose base lies above every code with that byte are
+    // skipped.
+    for (int b = 0; b < 256; b++) {
+        uint64_t highest = uint64_t(b) << 56 | ((uint64_t(1) << 56) - 1);
+        int len = p->min_len;
+        while (highest < p->base[len])
+            len++;
+        p->first_len[b] = uint8_t(len);
+    }
+    return true;
+}
+
 } // namespace
 
 bool tb_pairs_header(TbCursor* c, uint64_t positions, TbPairs* p)
@@ -98,7 +126,7 @@ bool tb_pairs_header(TbCursor* c, uint64_t positions, TbPairs* p)
     if (p->size_count < p->block_count)
         return false;
     int lengths = p->max_len - p->min_len + 1;
-    p->lowest = tb_take(c, 2 * lengths);
+    const uint8_t* lowest = tb_take(c, 2 * lengths);
     const uint8_t* n = tb_take(c, 2);
     if (!n)
         return false;
@@ -113,14 +141,15 @@ bool tb_pairs_header(TbCursor* c, uint64_t positions, TbPairs* p)
     // Canonical codes: longer codes take the smaller numbers, so the
     // smallest code of each length, left-aligned in 64 bits, falls as the
     // length grows and a code's length is the first whose base it reaches.
+    for (int len = p->min_len; len <= p->max_len; len++)
+        p->lowest_symbol[len] = read_le16(lowest + 2 * (len - p->min_len));
     p->base[p->max_len] = 0;
-    for (int len = p->max_len - 1; len >= p->min_len; len--) {
-        int i = len - p->min_len;
-        p->base[len] = (p->base[len + 1] + read_le16(p->lowest + 2 * i) - read_le16(p->lowest + 2 * i + 2)) / 2;
-    }
+    for (int len = p->max_len - 1; len >= p->min_len; len--)
+        p->base[len] = (p->base[len + 1] + p->lowest_symbol[len] - p->lowest_symbol[len + 1]) / 2;
     for (int len = p->min_len; len <= p->max_len; len++)
         p->base[len] <<= 64 - len;
-
+    if (!codes_are_canonical(p))
+        return false;
     p->symbol_span = new (std::nothrow) uint8_t[p->symbol_count];
     if (!p->symbol_span || !measure_symbols(p)) {
         tb_pairs_release(p);
@@ -165,14 +194,10 @@ int tb_pairs_value(const TbPairs* p, uint64_t idx)
     int used = 0; // bits of `code` consumed since the last refill
     int sym;
     for (;;) {
-        int len = p->min_len;
+        int len = p->first_len[code >> 56];
         while (code < p->base[len])
-            if (++len > p->max_len)
-                return -1;
-        uint64_t s = read_le16(p->lowest + 2 * (len - p->min_len)) + ((code - p->base[len]) >> (64 - len));
-        if (s >= p->symbol_count)
-            return -1;
-        sym = int(s);
+            len++;
+        sym = int(p->lowest_symbol[len] + ((code - p->base[len]) >> (64 - len)));
         if (offset <= p->symbol_span[sym])
             break;
         offset -= p->symbol_span[sym] + 1;

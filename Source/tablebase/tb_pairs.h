@@ -15,10 +15,11 @@ struct TbPairs {
     const uint8_t* sparse;      // 6 bytes an entry: block (u32) and offset into it (u16)
     const uint8_t* block_sizes; // u16 a block: values in the block, less one
     const uint8_t* blocks;      // block_count blocks of 2^block_bits bytes
-    const uint8_t* lowest;      // u16 a code length from min_len: its lowest symbol
     const uint8_t* pairs;       // 3 bytes a symbol: two 12-bit halves, the right one 0xFFF for a value
     uint8_t* symbol_span;       // values a symbol stands for, less one (owned)
     uint64_t base[33];          // by code length: the smallest left-aligned code of that length
+    uint16_t lowest_symbol[33]; // by code length: the symbol of its smallest code
+    uint8_t first_len[256];     // by a code's first byte: the shortest length it can have
     uint64_t sparse_count;
     uint32_t size_count; // entries of block_sizes (the blocks and some padding)
     uint32_t block_count;

@@ -3,7 +3,9 @@
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -51,4 +53,36 @@ std::vector<ProbeAnswer> load_probe_answers()
 std::string shared_tables()
 {
     return data_path("syzygy");
+}
+
+std::vector<uint8_t> read_file(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
+}
+
+void write_file(const std::string& path, const std::vector<uint8_t>& bytes)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    EXPECT_TRUE(out.good()) << path;
+}
+
+std::string directory_with(const std::vector<std::string>& files, size_t keep)
+{
+    std::string dir = make_temp_dir();
+    for (const std::string& f : files) {
+        std::vector<uint8_t> bytes = read_file(shared_tables() + "/" + f);
+        EXPECT_FALSE(bytes.empty()) << f;
+        if (bytes.size() > keep)
+            bytes.resize(keep);
+        write_file(dir + "/" + f, bytes);
+    }
+    return dir;
+}
+
+void remove_directory(const std::string& dir)
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(dir, ignored);
 }

@@ -4,6 +4,7 @@
 
 #include "board/position.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -37,3 +38,14 @@ std::vector<ProbeAnswer> load_probe_answers();
 
 // The shared 3- and 4-man tables.
 std::string shared_tables();
+
+// A fresh temporary directory holding copies of the named shared files
+// ("KQvK.rtbw"), each cut to at most `keep` bytes.
+std::string directory_with(const std::vector<std::string>& files, size_t keep = SIZE_MAX);
+
+// Removes a directory made for a test, with its files.
+void remove_directory(const std::string& dir);
+
+// Writes `bytes` as the file `path`.
+void write_file(const std::string& path, const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> read_file(const std::string& path);

@@ -1,14 +1,34 @@
-// The engine's view of the tables: every shared probe answer, and the
-// refusals that keep probes cheap.
+// The engine's view of the tables: every shared probe answer, the refusals
+// that keep search probes cheap, and the move chosen at the root.
 #include "tablebase/tbprobe.h"
 
+#include "board/attack_queries.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
 #include "tablebase/tb_fixtures.h"
 
 #include <gtest/gtest.h>
 
+namespace
+{
+
+// The probes of the search at default depths.
+void default_depths()
+{
+    tb_set_probe_depths(0, 1);
+}
+
+bool zeroes(const Position* pos, const MoveEntry& e)
+{
+    return piece_type(e.piece) == PAWN || pos->board[move_to(e.move)];
+}
+
+} // namespace
+
 TEST(TbProbe, EveryProbeAnswerMatches)
 {
     tb_init(shared_tables().c_str());
+    default_depths();
     ASSERT_EQ(tb_largest, 4u);
     std::vector<ProbeAnswer> answers = load_probe_answers();
     ASSERT_EQ(answers.size(), 500u);
@@ -26,4 +46,184 @@ TEST(TbProbe, EveryProbeAnswerMatches)
     }
     EXPECT_EQ(wrong_wdl, 0);
     EXPECT_EQ(wrong_dtz, 0);
+}
+
+TEST(TbProbe, CastlingRightsAreNeverProbed)
+{
+    tb_init(shared_tables().c_str());
+    default_depths();
+    TestBoard board;
+    Position* pos = board.set("4k3/8/8/8/8/8/8/R3K3 w - -");
+    EXPECT_EQ(tb_probe_wdl(pos, 50), 4);
+    pos = board.set("4k3/8/8/8/8/8/8/R3K3 w Q -");
+    ASSERT_NE(pos->castling, 0);
+    EXPECT_EQ(tb_probe_wdl(pos, 50), -1);
+    Move move = 1;
+    EXPECT_EQ(tb_probe_root(pos, &move), -1);
+    EXPECT_EQ(move, 0);
+    int wdl, dtz;
+    EXPECT_FALSE(tb_probe_full(pos, &wdl, &dtz));
+}
+
+TEST(TbProbe, ShallowSearchNodesAreNotProbed)
+{
+    tb_init(shared_tables().c_str());
+    TestBoard board;
+    Position* pos = board.set("8/8/8/8/8/2k5/8/KQ6 b - -");
+    tb_set_probe_depths(3, 1);
+    EXPECT_EQ(tb_probe_wdl(pos, 2), -1);
+    EXPECT_EQ(tb_probe_wdl(pos, 3), 0);
+    tb_set_probe_depths(-5, 1);
+    EXPECT_EQ(tb_probe_wdl(pos, -5), 0);
+    EXPECT_EQ(tb_probe_wdl(pos, -6), -1);
+    default_depths();
+}
+
+// Six-man tables are only named here (the shared set stops at four men):
+// a probe that reaches one reports it corrupt, a probe refused before
+// stays silent.
+TEST(TbProbe, SixMenWaitForTheirOwnDepth)
+{
+    std::string dir = directory_with({"KQvK.rtbw", "KQvK.rtbz"});
+    write_file(dir + "/KQRvKQR.rtbw", std::vector<uint8_t>(64, 0));
+    tb_init(dir.c_str());
+    ASSERT_EQ(tb_largest, 6u);
+    TestBoard board;
+    // No captures, so the probe goes straight to the six-man table.
+    Position* six = board.set("7k/5q2/3r4/8/8/4R3/2Q5/K7 w - -");
+    tb_set_probe_depths(0, 100);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(tb_probe_wdl(six, 99), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(tb_probe_wdl(six, 100), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
+
+    // The root is probed whatever the depths say.
+    tb_init(dir.c_str());
+    testing::internal::CaptureStderr();
+    Move move;
+    EXPECT_EQ(tb_probe_root(six, &move), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
+
+    // Fewer men still answer at depth 0.
+    Position* three = board.set("8/8/8/8/8/2k5/8/KQ6 w - -");
+    EXPECT_EQ(tb_probe_wdl(three, 0), 4);
+    default_depths();
+    tb_init("");
+    remove_directory(dir);
+}
+
+TEST(TbProbe, EmptyPathsFindNothing)
+{
+    TestBoard board;
+    Position* pos = board.set("8/8/8/8/8/2k5/8/KQ6 w - -");
+    for (const char* path : {"", "<empty>"}) {
+        tb_init(shared_tables().c_str());
+        ASSERT_EQ(tb_probe_wdl(pos, 10), 4);
+        testing::internal::CaptureStdout();
+        tb_init(path);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << path;
+        EXPECT_EQ(tb_largest, 0u);
+        EXPECT_EQ(tb_probe_wdl(pos, 10), -1);
+        Move move;
+        EXPECT_EQ(tb_probe_root(pos, &move), -1);
+        EXPECT_EQ(move, 0);
+    }
+}
+
+// A mate in one is played before any other win.
+TEST(TbProbe, RootPrefersTheMate)
+{
+    tb_init(shared_tables().c_str());
+    TestBoard board;
+    Position* pos = board.set("7k/8/6K1/8/8/8/8/1Q6 w - -", 30);
+    Move move;
+    EXPECT_EQ(tb_probe_root(pos, &move), 4);
+    ASSERT_NE(move, 0);
+    make_move(pos, move);
+    MoveEntry replies[MAX_MOVES];
+    EXPECT_TRUE(in_check(pos, pos->side) && gen_legal(pos, replies) == 0) << move;
+    unmake_move(pos);
+}
+
+// The root result follows the real fifty-move count: a win whose zeroing
+// move comes too late is only a cursed win, a loss likewise saved.
+TEST(TbProbe, RootResultCountsTheFiftyMoveRule)
+{
+    tb_init(shared_tables().c_str());
+    TestBoard board;
+    // Winning, distance 19 (tb1 of the shared answers).
+    const char* win = "1R6/8/8/6K1/8/8/4k3/8 w - -";
+    Move move;
+    EXPECT_EQ(tb_probe_root(board.set(win, 0), &move), 4);
+    EXPECT_EQ(tb_probe_root(board.set(win, 81), &move), 4);
+    EXPECT_EQ(tb_probe_root(board.set(win, 82), &move), 3);
+    // Losing, distance -12 (tb3).
+    const char* loss = "8/3q4/1n6/k7/6K1/8/8/8 w - -";
+    EXPECT_EQ(tb_probe_root(board.set(loss, 88), &move), 0);
+    EXPECT_EQ(tb_probe_root(board.set(loss, 89), &move), 1);
+    EXPECT_EQ(tb_probe_root(board.set("8/8/8/4Kp2/8/8/8/1k1n4 w - -", 99), &move), 2);
+}
+
+// Over every shared position: a win is kept and zeroes soonest, a draw is
+// kept, a loss resists longest, judged by the distances after each move.
+TEST(TbProbe, RootMoveKeepsTheResultAndMakesProgress)
+{
+    tb_init(shared_tables().c_str());
+    TestBoard board;
+    for (const ProbeAnswer& a : load_probe_answers()) {
+        Position* pos = board.set(a.fen);
+        Move chosen;
+        ASSERT_EQ(tb_probe_root(pos, &chosen), a.wdl + 2) << a.id;
+        MoveEntry list[MAX_MOVES];
+        int n = gen_legal(pos, list);
+        if (n == 0) {
+            EXPECT_EQ(chosen, 0) << a.id;
+            continue;
+        }
+        // The opponent's distance after each move, and the move's kind.
+        int chosen_after = 0, chosen_wdl = 0;
+        bool chosen_zeroes = false, chosen_mates = false;
+        int best_plain_win = 1000, longest_loss = 0;
+        bool winning_zero = false;
+        for (int i = 0; i < n; i++) {
+            bool zero = zeroes(pos, list[i]);
+            make_move(pos, list[i].move);
+            int wdl, dtz;
+            ASSERT_TRUE(tb_probe_full(pos, &wdl, &dtz)) << a.id;
+            MoveEntry replies[MAX_MOVES];
+            bool mates = in_check(pos, pos->side) && gen_legal(pos, replies) == 0;
+            unmake_move(pos);
+            if (wdl == -2 && (zero || mates))
+                winning_zero = true;
+            else if (wdl == -2)
+                best_plain_win = std::min(best_plain_win, -dtz);
+            if (wdl == 2 && !zero)
+                longest_loss = std::max(longest_loss, dtz);
+            if (list[i].move == chosen) {
+                chosen_after = dtz;
+                chosen_wdl = wdl;
+                chosen_zeroes = zero;
+                chosen_mates = mates;
+            }
+        }
+        if (a.wdl == 2) {
+            EXPECT_EQ(chosen_wdl, -2) << a.id;
+            if (winning_zero) {
+                EXPECT_TRUE(chosen_zeroes || chosen_mates) << a.id;
+            } else {
+                EXPECT_EQ(-chosen_after, best_plain_win) << a.id;
+            }
+        } else if (a.wdl == 0) {
+            EXPECT_EQ(chosen_wdl, 0) << a.id;
+        } else {
+            EXPECT_EQ(chosen_wdl, 2) << a.id;
+            if (!chosen_zeroes) {
+                EXPECT_EQ(chosen_after, longest_loss) << a.id;
+            } else {
+                EXPECT_EQ(longest_loss, 0) << a.id;
+            }
+        }
+    }
 }

@@ -1,0 +1,166 @@
+// Damaged files and many threads: a table cut short or with bytes changed
+// makes probes fail (or answer) but never crash, and probes from several
+// threads at once agree with the shared answers while tables open under them.
+#include "tablebase/tbprobe.h"
+
+#include "tablebase/tb_fixtures.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <random>
+#include <thread>
+
+namespace
+{
+
+// The table name of a position's material, e.g. "KRPvK" (stronger side first).
+std::string material_name(const std::string& fen)
+{
+    std::string white = "K", black = "K";
+    for (char c : std::string("QRBNP")) {
+        for (char f : fen.substr(0, fen.find(' '))) {
+            if (f == c)
+                white += c;
+            if (f == char(c + 32))
+                black += c;
+        }
+    }
+    static const std::string order = "KQRBNP";
+    auto weaker = [&](const std::string& a, const std::string& b) {
+        if (a.size() != b.size())
+            return a.size() < b.size();
+        for (size_t i = 0; i < a.size(); i++)
+            if (a[i] != b[i])
+                return order.find(a[i]) > order.find(b[i]);
+        return false;
+    };
+    return weaker(white, black) ? black + "v" + white : white + "v" + black;
+}
+
+std::vector<ProbeAnswer> answers_of(const std::string& material)
+{
+    std::vector<ProbeAnswer> out;
+    for (const ProbeAnswer& a : load_probe_answers())
+        if (material_name(a.fen) == material)
+            out.push_back(a);
+    return out;
+}
+
+// Probes every position with every entry point: results stay in range,
+// and with `exact` every answer given is right. Returns how many positions
+// got no answer.
+int probe_all(TestBoard& board, const std::vector<ProbeAnswer>& answers, bool exact)
+{
+    int refused = 0;
+    for (const ProbeAnswer& a : answers) {
+        Position* pos = board.set(a.fen);
+        int r = tb_probe_wdl(pos, 10);
+        EXPECT_TRUE(r == -1 || (r >= 0 && r <= 4)) << a.id;
+        if (exact && r >= 0) {
+            EXPECT_EQ(r, a.wdl + 2) << a.id;
+        }
+        Move move;
+        int root = tb_probe_root(pos, &move);
+        EXPECT_TRUE(root >= -1 && root <= 4) << a.id;
+        int wdl, dtz;
+        if (tb_probe_full(pos, &wdl, &dtz)) {
+            if (exact) {
+                EXPECT_TRUE(wdl == a.wdl && dtz == a.dtz) << a.id;
+            }
+        } else {
+            refused++;
+        }
+    }
+    return refused;
+}
+
+} // namespace
+
+TEST(TbDamage, TablesCutShortFailWithoutCrashing)
+{
+    for (const char* material : {"KQvKR", "KRPvK", "KPvKP", "KBNvK"}) {
+        std::vector<ProbeAnswer> answers = answers_of(material);
+        ASSERT_FALSE(answers.empty()) << material;
+        for (const char* kind : {".rtbw", ".rtbz"}) {
+            std::string name = std::string(material) + kind;
+            size_t size = read_file(shared_tables() + "/" + name).size();
+            for (size_t keep : {size_t(0), size_t(5), size_t(40), size / 3, size - 1}) {
+                std::string dir = directory_with({std::string(material) + ".rtbw", std::string(material) + ".rtbz"});
+                std::vector<uint8_t> bytes = read_file(dir + "/" + name);
+                bytes.resize(keep);
+                write_file(dir + "/" + name, bytes);
+                tb_init(dir.c_str());
+                TestBoard board;
+                testing::internal::CaptureStderr();
+                int refused = probe_all(board, answers, true);
+                std::string said = testing::internal::GetCapturedStderr();
+                // Said once, and only positions that need no table answer.
+                EXPECT_EQ(said, "Corrupted table.\n") << name << " cut to " << keep;
+                EXPECT_GT(refused, 0) << name << " cut to " << keep;
+                remove_directory(dir);
+            }
+        }
+    }
+    tb_init("");
+}
+
+// Bytes changed anywhere in a file: probes may fail or answer, but every
+// read stays inside the file (the sanitizer build checks that).
+TEST(TbDamage, ChangedBytesStayInsideTheFile)
+{
+    std::mt19937 random(20240611);
+    for (const char* material : {"KRvKN", "KPvKP"}) {
+        std::vector<ProbeAnswer> answers = answers_of(material);
+        ASSERT_FALSE(answers.empty()) << material;
+        for (const char* kind : {".rtbw", ".rtbz"}) {
+            std::string name = std::string(material) + kind;
+            std::vector<uint8_t> original = read_file(shared_tables() + "/" + name);
+            for (int round = 0; round < 40; round++) {
+                std::vector<uint8_t> bytes = original;
+                // Half the rounds hit the headers, where every field matters.
+                size_t span = round % 2 ? bytes.size() : std::min<size_t>(bytes.size(), 200);
+                for (int k = 0; k < 1 + round % 4; k++)
+                    bytes[random() % span] ^= uint8_t(1 + random() % 255);
+                std::string dir = directory_with({std::string(material) + ".rtbw", std::string(material) + ".rtbz"});
+                write_file(dir + "/" + name, bytes);
+                tb_init(dir.c_str());
+                TestBoard board;
+                testing::internal::CaptureStderr();
+                probe_all(board, answers, false);
+                testing::internal::GetCapturedStderr();
+                remove_directory(dir);
+            }
+        }
+    }
+    tb_init("");
+}
+
+TEST(TbDamage, ThreadsProbeAtOnce)
+{
+    std::vector<ProbeAnswer> answers = load_probe_answers();
+    constexpr int THREADS = 4;
+    std::vector<TestBoard> boards(THREADS);
+    for (int round = 0; round < 3; round++) {
+        tb_init(shared_tables().c_str()); // every table opens under the threads' probes
+        std::atomic<int> wrong{0}, failed{0};
+        std::vector<std::thread> threads;
+        for (int k = 0; k < THREADS; k++)
+            threads.emplace_back([&, k] {
+                for (size_t i = 0; i < answers.size(); i++) {
+                    const ProbeAnswer& a = answers[(i + k * answers.size() / THREADS) % answers.size()];
+                    Position* pos = boards[size_t(k)].set(a.fen);
+                    int wdl, dtz;
+                    if (tb_probe_wdl(pos, 0) != a.wdl + 2)
+                        wrong++;
+                    if (!tb_probe_full(pos, &wdl, &dtz))
+                        failed++;
+                    else if (wdl != a.wdl || dtz != a.dtz)
+                        wrong++;
+                }
+            });
+        for (std::thread& t : threads)
+            t.join();
+        EXPECT_EQ(wrong.load(), 0);
+        EXPECT_EQ(failed.load(), 0);
+    }
+}
