@@ -5,6 +5,10 @@
 
 #include <cstdint>
 
+// Where the -tbx switch looks: the usual places of a Linux installation,
+// the 3-5 man set and the 6-man set beside it.
+constexpr const char* TB_DEFAULT_DIRECTORIES = "/usr/share/syzygy;/usr/share/syzygy/6-Piece";
+
 // Largest piece count (kings included) among the tables found; 0 for none.
 extern uint32_t tb_largest;
 

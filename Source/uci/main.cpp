@@ -119,7 +119,7 @@ int read_switches(int argc, char** argv)
         } else if (takes("-tbpath")) {
             copy_text(settings.syzygy_path, PATH_SIZE, value);
         } else if (!std::strcmp(a, "-tbx")) {
-            copy_text(settings.syzygy_path, PATH_SIZE, "C:\\Chess\\Syzygy;C:\\Chess\\Syzygy\\6-Piece");
+            copy_text(settings.syzygy_path, PATH_SIZE, TB_DEFAULT_DIRECTORIES);
         } else if (takes("-anepd")) {
             run_mode = RUN_EPD;
             copy_text(tool_file, sizeof tool_file, value);

@@ -2,6 +2,7 @@
 
 #include "search/limits.h"
 #include "search/threads.h"
+#include "tablebase/tbprobe.h"
 
 #include <cstring>
 
@@ -87,4 +88,5 @@ void publish_settings()
     c.elo = s.elo;
     c.selectivity = s.selectivity;
     std::memcpy(c.search, s.search, sizeof c.search);
+    tb_set_probe_depths(s.tb_probe_depth5, s.tb_probe_depth6);
 }

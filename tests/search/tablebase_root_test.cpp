@@ -1,0 +1,79 @@
+// The search with tables: the root step that plays a distance-to-zero move
+// without searching once the fifty-move count has grown, the helpers that
+// stay idle on a tablebase root, and the win scores the probes give below a
+// root outside the tables.
+#include "search/limits.h"
+#include "search/search_thread.h"
+#include "search/threads.h"
+#include "support/engine_process.h"
+#include "support/search_harness.h"
+#include "tablebase/tbprobe.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+// A won KQvK with White to move, far from mate.
+constexpr const char* WON = "8/8/8/4K3/8/8/3k4/1Q6 w - -";
+
+void start_two_threads()
+{
+    harness_start(2);
+    if (worker_count() < 2) {
+        stop_threads();
+        start_threads(2);
+    }
+    ASSERT_EQ(worker_count(), 2);
+}
+
+} // namespace
+
+TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
+{
+    start_two_threads();
+    tb_init(data_path("syzygy").c_str());
+
+    SearchOutcome decided = harness_search(WON, 30, "", 10);
+    EXPECT_EQ(decided.depth, 99);
+    EXPECT_EQ(decided.nodes, 0u);
+    EXPECT_EQ(decided.score, 9799);
+    EXPECT_EQ(worker(0)->root_tb_result, 4);
+    EXPECT_EQ(worker(0)->seldepth, 99);
+    EXPECT_EQ(worker(0)->root_pv[1], 0); // no ponder move
+    EXPECT_NE(decided.best, 0);
+
+    // (It may stop short of depth 10 once it sees the mate.)
+    SearchOutcome searched = harness_search(WON, 10, "", 9);
+    EXPECT_GE(searched.depth, 1);
+    EXPECT_LE(searched.depth, 10);
+    EXPECT_GT(searched.nodes, 0u);
+    EXPECT_NE(searched.best, 0);
+    EXPECT_EQ(worker(0)->root_tb_result, 4);
+    EXPECT_EQ(worker(1)->nodes, 0u); // the helper never searched
+
+    // The losing side answers at once too, with the longest resistance.
+    SearchOutcome lost = harness_search("8/8/8/4K3/8/8/3k4/1Q6 b - -", 30, "", 10);
+    EXPECT_EQ(lost.depth, 99);
+    EXPECT_EQ(worker(0)->root_tb_result, 0);
+    EXPECT_NE(lost.best, 0);
+    tb_init("");
+}
+
+// The search's probes: from a root outside the tables, the capture of the
+// rook leads into a won four-man table, scored as a tablebase win.
+TEST(TbSearch, ProbesInTheTreeScoreTablebaseWins)
+{
+    start_two_threads();
+    constexpr const char* HANGING_ROOK = "1n1r3k/8/8/8/8/8/8/K2Q4 w - -";
+    tb_init(data_path("syzygy").c_str());
+    SearchOutcome r = harness_search(HANGING_ROOK, 6);
+    EXPECT_EQ(worker(0)->root_tb_result, -1);
+    EXPECT_GE(r.score, 9800 - 8);
+    EXPECT_LT(r.score, 9800);
+    EXPECT_GT(uint64_t(worker(0)->tbhits), 0u);
+    tb_init("");
+    r = harness_search(HANGING_ROOK, 6);
+    EXPECT_LT(r.score, 9000);
+    EXPECT_EQ(uint64_t(worker(0)->tbhits), 0u);
+}
