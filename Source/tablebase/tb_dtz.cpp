@@ -28,6 +28,13 @@ inline int sign(int v)
     return (v > 0) - (v < 0);
 }
 
+// Moves are made on a copy that shares the game's undo records; a game at
+// the end of its history leaves no room for them.
+inline bool room_for_a_move(const Position* pos)
+{
+    return pos->game_ply + 1 < MAX_GAME_PLY;
+}
+
 inline bool zeroes(const MoveEntry& e)
 {
     return piece_type(e.piece) == PAWN || e.captured;
@@ -48,7 +55,7 @@ bool is_mated(Position* pos)
 
 bool distance(Position* pos, int nesting, int* wdl_out, int* dtz_out)
 {
-    if (nesting > MAX_NESTING)
+    if (nesting > MAX_NESTING || !room_for_a_move(pos))
         return false;
     TbBoard b = tb_board_of(pos);
     int wdl;
@@ -156,6 +163,7 @@ bool tb_root_move(const Position* pos, Move* move, int* dtz)
     int wdl;
     if (!distance(&p, 0, &wdl, dtz))
         return false;
+    // (distance() has made sure there is room for the moves below.)
     MoveEntry list[MAX_MOVES];
     int n = gen_legal(&p, list);
     int best = -1;
