@@ -19,6 +19,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
+#include "tablebase/tbprobe.h"
 #include "tools/tuner.h"
 #include "uci/bounded_input.h"
 #include "uci/game.h"
@@ -187,6 +188,18 @@ void book_command()
     book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, noise >= 9999});
 }
 
+// What the tables say of the game position, for people testing the engine:
+// the value and the distance to zeroing, both for the side to move.
+void tb_command()
+{
+    int wdl, dtz;
+    char line[64];
+    if (tb_probe_full(game_position(), &wdl, &dtz))
+        send_line(format_line(line, sizeof line, "tb wdl %d dtz %d", wdl, dtz));
+    else
+        send_line("tb none");
+}
+
 void move_input(const char* word)
 {
     Move move;
@@ -343,6 +356,8 @@ void handle_console_command(char* line)
             send_line("can't write tmp.pgn");
     } else if (!std::strcmp(cmd, "book")) {
         book_command();
+    } else if (!std::strcmp(cmd, "tb")) {
+        tb_command();
     } else if (!std::strcmp(cmd, "perft")) {
         perft_of_game(std::atoi(arg));
     } else if (!std::strcmp(cmd, "hash")) {
