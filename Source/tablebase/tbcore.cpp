@@ -47,7 +47,11 @@ const TbPart* place_men(const TbLayout* t, const TbBoard* b, bool exchanged, int
 // table's side to move; nullptr when there is none.
 TbTable* table_for(const TbBoard* b, bool* exchanged, int* side)
 {
+    // No table holds a board without one king a side or with a pawn on
+    // the first or last rank (and the pawn indexes have no place for one).
     if (popcount(tb_men(b, WHITE, KING)) != 1 || popcount(tb_men(b, BLACK, KING)) != 1)
+        return nullptr;
+    if (b->type[PAWN] & (RANK_1 | RANK_8))
         return nullptr;
     TbTable* t = tb_find_table(tb_material_key(b), exchanged);
     if (!t)
