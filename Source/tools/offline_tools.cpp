@@ -13,11 +13,6 @@ void not_built(const char* tool, const char* file)
 
 } // namespace
 
-void run_epd_analysis(const char* file)
-{
-    not_built("EPD test-suite analysis", file);
-}
-
 void scan_pgn(const char* file, int variant)
 {
     char tool[64];

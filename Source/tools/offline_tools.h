@@ -1,9 +1,9 @@
 // Entry points of the offline tools that the command line selects. The
-// benchmark has its own header; the others are not built into this version
-// and say so when asked for.
+// benchmark has its own header; the tools not built into this version yet
+// say so when asked for.
 #pragma once
 
-// -anepd: searches every position of an EPD test suite.
+// -anepd: searches every position of an EPD test suite (epd_suite.cpp).
 void run_epd_analysis(const char* file);
 
 // -scan_pgn1 .. -scan_pgn4: PGN games with evaluation comments to EPD lines.

@@ -1,0 +1,109 @@
+// Scoring the engine's move against a test suite's answers, from the EPD
+// line through the splitter as the suite tool reads it.
+#include "board/epd.h"
+#include "board/fen.h"
+#include "board/notation.h"
+#include "support/test_positions.h"
+#include "tools/epd_scoring.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace
+{
+
+// Knights on b1 and g1 (and nothing else in the way): Nf3 and Nc3 are both legal.
+const char* const OPENING = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
+
+struct Scored {
+    Game* g = new_test_game();
+    EpdFields f{};
+    Scored(const std::string& line)
+    {
+        split_epd(line.c_str(), &f);
+        set_test_position(g, f.fen);
+    }
+    ~Scored() { free_test_game(g); }
+    Move move(const char* text)
+    {
+        Move m = 0;
+        EXPECT_EQ(parse_move(&g->pos, text, &m), 1) << text;
+        return m;
+    }
+};
+
+} // namespace
+
+TEST(EpdScoring, BestMoveListsFollowTheSplitter)
+{
+    // Blanks inside an operand vanish, so "Nf3 Nc3" is the single piece
+    // "Nf3Nc3", which names no move: never correct, whatever is played.
+    Scored blanks(std::string(OPENING) + " bm Nf3 Nc3; id \"x\";");
+    EXPECT_STREQ(blanks.f.bm, "Nf3Nc3");
+    EXPECT_EQ(bm_hits(&blanks.g->pos, blanks.f.bm, blanks.move("Nf3")), 0);
+    EXPECT_EQ(bm_hits(&blanks.g->pos, blanks.f.bm, blanks.move("Nc3")), 0);
+
+    Scored commas(std::string(OPENING) + " bm Nf3,Nc3; id \"x\";");
+    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("Nf3")), 1);
+    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("Nc3")), 1);
+    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("e4")), 0);
+
+    Scored single(std::string(OPENING) + " bm Nf3;");
+    EXPECT_EQ(bm_hits(&single.g->pos, single.f.bm, single.move("g1f3")), 1);
+    EXPECT_EQ(bm_hits(&single.g->pos, single.f.bm, single.move("b1c3")), 0);
+
+    // Quotes and a check mark around a move do not hide it; a piece that is
+    // no legal move counts nothing.
+    Scored check("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - bm \"Ra8+\",Ra9,Kh1h2;");
+    EXPECT_EQ(bm_hits(&check.g->pos, check.f.bm, check.move("a1a8")), 1);
+    EXPECT_EQ(bm_hits(&check.g->pos, "", check.move("a1a8")), 0);
+}
+
+TEST(EpdScoring, AvoidMoveCountsAnyOtherMove)
+{
+    Scored s(std::string(OPENING) + " am e4; id \"x\";");
+    EXPECT_EQ(am_hit(&s.g->pos, s.f.am, s.move("d4")), 1);
+    EXPECT_EQ(am_hit(&s.g->pos, s.f.am, s.move("e2e4")), 0);
+    // An operand that names no move scores nothing at all.
+    EXPECT_EQ(am_hit(&s.g->pos, "e5", s.move("d4")), 0);
+    EXPECT_EQ(am_hit(&s.g->pos, "", s.move("d4")), 0);
+}
+
+TEST(EpdScoring, PointsFromTheC0Operation)
+{
+    Scored s(std::string(OPENING) + " bm e4; c0 \"e4=10, d4=8\"; id \"x\";");
+    EXPECT_STREQ(s.f.c0, "\"e4=10,d4=8\"");
+    C0Result d4 = c0_points(&s.g->pos, s.f.c0, s.move("d4"));
+    EXPECT_EQ(d4.points, 8);
+    EXPECT_EQ(d4.possible, 10);
+    C0Result e4 = c0_points(&s.g->pos, s.f.c0, s.move("e4"));
+    EXPECT_EQ(e4.points, 10);
+    EXPECT_EQ(e4.possible, 10);
+    // A move the operand does not list still adds what was possible.
+    C0Result nf3 = c0_points(&s.g->pos, s.f.c0, s.move("Nf3"));
+    EXPECT_EQ(nf3.points, 0);
+    EXPECT_EQ(nf3.possible, 10);
+
+    // The largest value, wherever it stands; a check mark in the move.
+    C0Result largest = c0_points(&s.g->pos, "\"c4=3,Nf3=7,e4=2\"", s.move("e4"));
+    EXPECT_EQ(largest.points, 2);
+    EXPECT_EQ(largest.possible, 7);
+
+    // No "=" at all: the operation scores nothing, not even the possible points.
+    C0Result none = c0_points(&s.g->pos, "\"e4 d4\"", s.move("e4"));
+    EXPECT_EQ(none.points, 0);
+    EXPECT_EQ(none.possible, 0);
+
+    // A huge number in a broken file stays a bounded integer.
+    C0Result huge = c0_points(&s.g->pos, "e4=99999999999999999999", s.move("e4"));
+    EXPECT_GT(huge.points, 0);
+    EXPECT_EQ(huge.points, huge.possible);
+}
+
+TEST(EpdScoring, CheckMarksInC0Moves)
+{
+    Scored s("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - c0 \"Ra8+=10, Kf1=3\";");
+    C0Result r = c0_points(&s.g->pos, s.f.c0, s.move("a1a8"));
+    EXPECT_EQ(r.points, 10);
+    EXPECT_EQ(r.possible, 10);
+}
