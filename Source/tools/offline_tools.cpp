@@ -13,12 +13,6 @@ void not_built(const char* tool, const char* file)
 
 } // namespace
 
-void scan_pgn(const char* file, int variant)
-{
-    char tool[64];
-    not_built(format_line(tool, sizeof tool, "PGN scanning variant %d", variant), file);
-}
-
 double make_tune_file(const char* file)
 {
     not_built("tuning-data generation", file);

@@ -6,7 +6,8 @@
 // -anepd: searches every position of an EPD test suite (epd_suite.cpp).
 void run_epd_analysis(const char* file);
 
-// -scan_pgn1 .. -scan_pgn4: PGN games with evaluation comments to EPD lines.
+// -scan_pgn1 .. -scan_pgn4: PGN games with evaluation comments to EPD lines
+// (pgn_scan.cpp).
 void scan_pgn(const char* file, int variant);
 
 // -mktune: quiet training positions from labelled EPD lines.

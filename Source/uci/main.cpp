@@ -123,13 +123,12 @@ int read_switches(int argc, char** argv)
         } else if (takes("-anepd")) {
             run_mode = RUN_EPD;
             copy_text(tool_file, sizeof tool_file, value);
-        } else if (!std::strncmp(a, "-scan_pgn", 9) && value) {
-            // -scan_pgn1 .. -scan_pgn4 choose a variant; the bare word only takes its file.
+        } else if (takes("-scan_pgn")) {
+            // The bare word takes its file but chooses no variant.
+        } else if (!std::strncmp(a, "-scan_pgn", 9) && a[9] >= '1' && a[9] <= '4' && !a[10] && value) {
             i++;
-            if (a[9] >= '1' && a[9] <= '4' && !a[10]) {
-                run_mode = RUN_SCAN_PGN + (a[9] - '1');
-                copy_text(tool_file, sizeof tool_file, value);
-            }
+            run_mode = RUN_SCAN_PGN + (a[9] - '1');
+            copy_text(tool_file, sizeof tool_file, value);
         } else if (takes("-match")) {
             run_mode = RUN_MATCH;
             copy_text(tool_file, sizeof tool_file, value);
