@@ -10,7 +10,7 @@ SANITIZE := build/sanitize
 
 build:
 	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF > /dev/null
-	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed
+	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed epd_score
 
 run: build
 	@./$(RELEASE)/korvel $(ARGS)

@@ -12,6 +12,7 @@ namespace
 constexpr int PIECE_SIZE = 64;
 // Points are small numbers; a huge one in a broken file must not overflow the sums.
 constexpr long POINTS_LIMIT = 1000000;
+constexpr int SHORTEST_LINE = 10; // nine characters cannot hold a position
 
 bool is_cut(char c, const char* cuts)
 {
@@ -43,6 +44,11 @@ bool names_move(const Position* pos, const char* text, Move best)
 }
 
 } // namespace
+
+bool is_suite_position_line(const char* line, int length)
+{
+    return length >= SHORTEST_LINE && line[0] != ' ' && line[0] != '#' && line[0] != ';';
+}
 
 int bm_hits(const Position* pos, const char* bm, Move best)
 {

@@ -6,6 +6,11 @@
 
 #include "board/position.h"
 
+// Whether a suite line (without its line end) can hold a position: lines
+// that begin with a blank, "#" or ";", and lines of nine characters or
+// fewer, are comments or leftovers.
+bool is_suite_position_line(const char* line, int length);
+
 // Every piece of the "bm" operand, cut at blanks, commas, semicolons, quotes
 // and line ends, that names `best` in `pos` counts one. "Nf3,Nc3" holds two
 // pieces; "Nf3Nc3" (written "bm Nf3 Nc3;") is one piece that names no move.

@@ -24,7 +24,6 @@ namespace
 {
 
 constexpr int EPD_LINE_SIZE = 512;
-constexpr int SHORTEST_LINE = 10;           // nine characters cannot hold a position
 constexpr double SILENT_MOVE_TIME = 9999.0; // -t 9999: only the summary is printed
 constexpr int HASH_DEPTH = 3;               // shallower runs leave the table off
 constexpr int POOL_DEPTH = 5;               // deeper searches go to the worker pool...
@@ -40,11 +39,6 @@ struct SuiteTotals {
     int c0_score = 0;
     int c0_possible = 0;
 };
-
-bool holds_no_position(const char* line, int length)
-{
-    return length < SHORTEST_LINE || line[0] == ' ' || line[0] == '#' || line[0] == ';';
-}
 
 void print_summary(const SuiteTotals& s)
 {
@@ -87,7 +81,7 @@ void analyse_suite(FILE* in, FILE* out)
     SuiteTotals totals;
     char line[EPD_LINE_SIZE], text[EPD_LINE_SIZE + 64];
     for (int length; (length = read_line(in, line, sizeof line)) >= 0;) {
-        if (holds_no_position(line, length))
+        if (!is_suite_position_line(line, length))
             continue;
         EpdFields f{};
         split_epd(line, &f);
