@@ -337,6 +337,10 @@ void run_search(SearchThread* t)
     } else {
         while (!limits.search_started.load() && !search_stopped())
             sleep_ms(1);
+        // Stopped before the main thread had its root ready: what it holds
+        // is still being written, and there is nothing to search anyway.
+        if (!limits.search_started.load())
+            return;
         SearchThread* m = worker(0);
         if (m && m->root_tb_result != -1)
             return;
