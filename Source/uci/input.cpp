@@ -1,6 +1,8 @@
 #include "uci/input.h"
 
 #include "output/output.h"
+#include "search/limits.h"
+#include "search/threads.h"
 #include "uci/console_commands.h"
 #include "uci/uci_commands.h"
 
@@ -103,9 +105,16 @@ void poll_input()
 {
     read_pending_bytes();
     char command[READ_SIZE + 1];
-    if (!take_command(command))
+    if (take_command(command)) {
+        dispatch_command(command);
         return;
-    dispatch_command(command);
+    }
+    // Input has ended and every line of it is done, yet no "quit" took: the
+    // console's position editor reads the line as men. Nothing more can come.
+    if (input_closed && !quit_requested) {
+        stop_and_wait(STOP_SILENT);
+        quit_requested = true;
+    }
 }
 
 void dispatch_command(char* line)

@@ -53,6 +53,17 @@ TEST(UciSession, EndOfInputActsAsQuit)
     EXPECT_EQ(e.wait_exit(), 0);
 }
 
+TEST(ConsoleSession, EndOfInputEndsTheEditorToo)
+{
+    // The editor takes every line as men, the "quit" that stands for the end
+    // of input too; the engine must end all the same.
+    EngineProcess e({"-c"});
+    e.send_line("edit");
+    e.send_line("w Ke1");
+    e.close_input();
+    EXPECT_EQ(e.wait_exit(), 0);
+}
+
 TEST(UciSession, IllegalMoveInPositionIsReported)
 {
     EngineProcess e;
