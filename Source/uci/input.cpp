@@ -131,3 +131,8 @@ void reset_input()
     queue_length = 0;
     input_closed = false;
 }
+
+bool input_pending()
+{
+    return std::memchr(command_queue, '@', size_t(queue_length)) != nullptr;
+}

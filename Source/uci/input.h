@@ -16,3 +16,7 @@ void dispatch_command(char* line);
 
 // Forgets queued and partial input (used by tests).
 void reset_input();
+
+// Whether a complete command waits in the queue (used by tests, which need to
+// know when everything they sent has been carried out).
+bool input_pending();

@@ -1,0 +1,209 @@
+// The command loop and eight search threads in one process, driven through
+// standard input as an interface drives them: storms of go and stop, ponder
+// and ponderhit, isready while searching, option changes between searches
+// and quit in the middle of one. Each test checks what the interface must
+// see; under ThreadSanitizer (make tsan) they also show that the threads
+// share nothing they should not.
+#include "board/fen.h"
+#include "board/movegen.h"
+#include "board/notation.h"
+#include "search/threads.h"
+#include "support/engine_session.h"
+#include "support/test_positions.h"
+#include "uci/game.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+// Rounds of about a millisecond each: far more than any of these searches
+// needs, so that only a hang runs out of them.
+constexpr int PATIENCE = 120000;
+
+std::vector<std::string> lines_of(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::vector<std::string> starting_with(const std::vector<std::string>& lines, const std::string& prefix)
+{
+    std::vector<std::string> found;
+    for (const std::string& line : lines)
+        if (line.rfind(prefix, 0) == 0)
+            found.push_back(line);
+    return found;
+}
+
+std::set<std::string> start_position_moves()
+{
+    Game* g = new_test_game();
+    set_test_position(g, START_FEN);
+    MoveEntry list[MAX_MOVES];
+    int n = gen_legal(&g->pos, list);
+    std::set<std::string> moves;
+    for (int i = 0; i < n; i++) {
+        char text[MOVE_TEXT_SIZE];
+        move_to_coord(list[i].move, text);
+        moves.insert(text);
+    }
+    free_test_game(g);
+    return moves;
+}
+
+class ThreadStorm : public ::testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        session_engine_start(8, 16);
+        session_open(false);
+        ::testing::internal::CaptureStdout();
+    }
+    void TearDown() override
+    {
+        if (capturing_)
+            ::testing::internal::GetCapturedStdout();
+        session_engine_stop();
+    }
+    void send(const std::string& line) { session_write_line(line.c_str()); }
+    std::vector<std::string> output()
+    {
+        capturing_ = false;
+        return lines_of(::testing::internal::GetCapturedStdout());
+    }
+    // Every line is "bestmove" and a legal move of the start position.
+    void expect_start_position_replies(const std::vector<std::string>& replies)
+    {
+        static const std::set<std::string> legal = start_position_moves();
+        for (const std::string& r : replies) {
+            std::istringstream in(r);
+            std::string word, move;
+            in >> word >> move;
+            EXPECT_TRUE(legal.count(move)) << r;
+        }
+    }
+
+  private:
+    bool capturing_ = true;
+};
+
+} // namespace
+
+TEST_F(ThreadStorm, EveryStoppedSearchReportsOnce)
+{
+    const char* const searches[] = {"go infinite", "go depth 40", "go nodes 3000000", "go movetime 60000",
+                                    "go wtime 600000 btime 600000"};
+    const int count = 40;
+    for (int i = 0; i < count; i++) {
+        send(searches[i % 5]);
+        session_rounds(i % 9); // from before the search has started to well into it
+        send("stop");
+        ASSERT_TRUE(session_until_idle(PATIENCE)) << "search " << i << " never went idle";
+    }
+    std::vector<std::string> replies = starting_with(output(), "bestmove");
+    EXPECT_EQ(replies.size(), size_t(count));
+    expect_start_position_replies(replies);
+}
+
+TEST_F(ThreadStorm, PonderEndsWithPonderhitOrStop)
+{
+    const int count = 24;
+    for (int i = 0; i < count; i++) {
+        send("go ponder wtime 400 btime 400 winc 10 binc 10");
+        session_rounds(i % 7);
+        send(i % 2 ? "ponderhit" : "stop");
+        ASSERT_TRUE(session_until_idle(PATIENCE)) << "ponder search " << i << " never went idle";
+    }
+    std::vector<std::string> replies = starting_with(output(), "bestmove");
+    EXPECT_EQ(replies.size(), size_t(count));
+    expect_start_position_replies(replies);
+}
+
+TEST_F(ThreadStorm, IsreadyIsAnsweredWhileTheThreadsSearch)
+{
+    send("go infinite");
+    const int count = 60;
+    for (int i = 0; i < count; i++) {
+        send("isready");
+        session_rounds(1 + i % 3);
+    }
+    session_until_idle(4); // the last isready is read before stop
+    send("stop");
+    ASSERT_TRUE(session_until_idle(PATIENCE));
+    std::vector<std::string> lines = output();
+    EXPECT_EQ(starting_with(lines, "readyok").size(), size_t(count));
+    ASSERT_EQ(starting_with(lines, "bestmove").size(), 1u);
+    // Every readyok came while the search still ran, before its report.
+    size_t last_ready = 0, report = 0;
+    for (size_t i = 0; i < lines.size(); i++) {
+        if (lines[i] == "readyok")
+            last_ready = i;
+        if (lines[i].rfind("bestmove", 0) == 0)
+            report = i;
+    }
+    EXPECT_LT(last_ready, report);
+}
+
+TEST_F(ThreadStorm, ThreadsAndClearHashChangeBetweenSearches)
+{
+    const int threads[] = {8, 1, 3, 8, 2, 5, 1, 8};
+    const int count = 8;
+    for (int i = 0; i < count; i++) {
+        int n = threads[i];
+        send("setoption name Threads value " + std::to_string(n));
+        send("setoption name Clear_Hash value x");
+        send(i % 2 ? "go depth 5" : "go nodes 5000");
+        ASSERT_TRUE(session_until_idle(PATIENCE)) << "search " << i << " never went idle";
+        EXPECT_EQ(worker_count(), n);
+    }
+    std::vector<std::string> replies = starting_with(output(), "bestmove");
+    EXPECT_EQ(replies.size(), size_t(count));
+    expect_start_position_replies(replies);
+}
+
+TEST_F(ThreadStorm, OptionsAndPositionsArriveDuringSearches)
+{
+    // What the engine then reports is the protocol's business; here the
+    // threads must only come to rest and the engine keep answering.
+    const char* const intruders[] = {"setoption name Hash value 4",
+                                     "setoption name MultiPV value 3",
+                                     "setoption name Contempt value 20",
+                                     "setoption name Threads value 3",
+                                     "setoption name Clear_Hash value x",
+                                     "ucinewgame",
+                                     "position startpos moves e2e4",
+                                     "position fen 8/8/4k3/8/8/4K3/4P3/8 w - - 0 1",
+                                     "go depth 5",
+                                     "ponderhit"};
+    for (int i = 0; i < 30; i++) {
+        send(i % 3 ? "go infinite" : "go ponder wtime 1000 btime 1000");
+        session_rounds(i % 5);
+        send(intruders[i % 10]);
+        session_rounds(i % 4);
+        send("stop");
+        ASSERT_TRUE(session_until_idle(PATIENCE)) << "round " << i << " never went idle";
+    }
+    send("isready");
+    session_until_idle(PATIENCE);
+    EXPECT_EQ(starting_with(output(), "readyok").size(), 1u);
+}
+
+TEST_F(ThreadStorm, QuitDuringASearchEndsWithoutAReport)
+{
+    send("go infinite");
+    session_rounds(30);
+    send("quit");
+    EXPECT_TRUE(session_rounds(PATIENCE));
+    EXPECT_TRUE(starting_with(output(), "bestmove").empty());
+    session_engine_stop();
+    EXPECT_EQ(worker_count(), 0);
+}
