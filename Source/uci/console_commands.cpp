@@ -212,15 +212,17 @@ void move_input(const char* word)
     show_game_board();
 }
 
-// Perft walks the tree with the search's move picker, so it runs on the
-// first worker's record (idle between searches) with the game copied in.
+// Perft walks the tree with the search's move picker, so it needs a search
+// thread's record. It takes one of its own: the workers' records belong to
+// the search, which may be thinking about an engine move right now.
 void perft_of_game(int depth)
 {
-    SearchThread* t = worker(0);
+    SearchThread* t = new_search_thread();
     if (!t)
         return;
     copy_position(&t->pos, t->undo, game_position());
     perft_command(t, depth);
+    free_search_thread(t);
 }
 
 // "tune" alone: one step on the game position towards a loss, then a run

@@ -66,3 +66,18 @@ TEST(Console, SelfPlayFinishesTheGame)
     EXPECT_NE(e.wait_for("move= null", 30000), "");
     EXPECT_EQ(e.quit(), 0);
 }
+
+TEST(Console, PerftDuringAnEngineMoveLeavesTheSearchAlone)
+{
+    // Perft counts on a record of its own: the search thread's position is
+    // in use while the engine thinks.
+    EngineProcess e({"-c"});
+    e.send_line("depth 30");
+    e.send_line("move");
+    EXPECT_NE(e.wait_for("01] 0", 20000), "");
+    for (int i = 0; i < 5; i++) {
+        e.send_line("perft 3");
+        EXPECT_EQ(e.wait_for("visited", 20000).rfind("visited 8902 nodes", 0), 0u);
+    }
+    EXPECT_EQ(e.quit(), 0);
+}
