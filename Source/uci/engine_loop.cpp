@@ -162,7 +162,10 @@ void report_if_due()
     if (limits.self_play || limits.play_once) {
         double& clock = game_position()->side == WHITE ? limits.white_time : limits.black_time;
         clock = clock - limits.elapsed + limits.increment;
-        if (!limits.best_move) {
+        // The move answers the position the search started from. Console
+        // commands are served while the engine thinks; if they changed the
+        // game meanwhile, the move belongs to no position on the board.
+        if (!limits.best_move || game_position()->key != search_root()->key) {
             limits.self_play = limits.play_once = false;
             return;
         }
