@@ -365,7 +365,9 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "hash")) {
         hash_command();
     } else if (!std::strcmp(cmd, "noise")) {
-        noise = std::atof(arg);
+        // Echoed as an integer, so kept where an integer can hold it.
+        double v = std::atof(arg);
+        noise = v > 1e9 ? 1e9 : v < -1e9 ? -1e9 : v == v ? v : 0.0;
         echo_setting(cmd, int(noise));
     } else if (!std::strcmp(cmd, "debug")) {
         for (auto& pair : settings.personality)

@@ -19,6 +19,16 @@ TEST(Console, SettingsWords)
     EXPECT_EQ(e.quit(), 0);
 }
 
+TEST(Console, NoiseLevelsBeyondAnIntegerAreCut)
+{
+    EngineProcess e({"-c"});
+    EXPECT_EQ(e.ask("noise 1.8e19", "noise"), "noise set to 1000000000");
+    EXPECT_EQ(e.ask("noise -1e300", "noise"), "noise set to -1000000000");
+    EXPECT_EQ(e.ask("noise nan", "noise"), "noise set to 0");
+    EXPECT_EQ(e.ask("noise 9999", "noise"), "noise set to 9999");
+    EXPECT_EQ(e.quit(), 0);
+}
+
 TEST(Console, GameWordsAndEngineMoves)
 {
     std::string dir = make_temp_dir();
