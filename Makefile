@@ -7,7 +7,7 @@ TEST := build/test
 SANITIZE := build/sanitize
 TSAN := build/tsan
 
-.PHONY: run build test sanitize tsan bench clean format
+.PHONY: run build test sanitize tsan fuzz bench clean format
 
 build:
 	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF > /dev/null
@@ -38,6 +38,13 @@ tsan:
 	@$(CMAKE) --build $(TSAN) -j $(JOBS)
 	@cd $(TSAN) && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 $(TSAN_OPTIONS)" \
 		ctest --output-on-failure -j $(JOBS) -E '$(TSAN_SKIP)'
+
+# The fuzzers, one after the other, each for FUZZ_SECONDS (fuzz/run says how).
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?=
+
+fuzz:
+	@fuzz/run $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 bench: build
 	@bench/run_all

@@ -1,0 +1,19 @@
+// The console command loop as a person drives it: engine moves and
+// self-play, moves in every notation, the position editor, the tools (perft,
+// exchange values, evaluation, hash line, book, trace), settings, loading and
+// saving, and the switch to UCI.
+// fuzz-test-runs: 100
+#include "fuzz_support.h"
+#include "session_script.h"
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    session_fuzz_start();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    run_session_input(data, size, true);
+    return 0;
+}

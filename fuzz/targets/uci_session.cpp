@@ -1,0 +1,18 @@
+// The UCI command loop as an interface drives it: whole sessions of
+// positions, searches, option changes, ponder, stop and quit, with real
+// search threads, lines split and merged across reads, and raw text.
+// fuzz-test-runs: 150
+#include "fuzz_support.h"
+#include "session_script.h"
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    session_fuzz_start();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    run_session_input(data, size, false);
+    return 0;
+}
