@@ -9,11 +9,11 @@
 #include "search/search_trace.h"
 #include "search/threads.h"
 #include "search/tt.h"
-#include "tablebase/tbprobe.h"
 #include "uci/console_commands.h"
 #include "uci/engine_loop.h"
 #include "uci/game.h"
 #include "uci/input.h"
+#include "uci/options.h"
 #include "uci/position_editor.h"
 #include "uci/search_output.h"
 #include "uci/settings.h"
@@ -36,23 +36,17 @@ int input_writer = -1; // our end of the engine's standard input
 void restore_start_up_state(bool console)
 {
     stop_and_wait(STOP_SILENT);
+    limits.search_state = SEARCH_IDLE;
     if (position_editor_active())
         position_editor_line(".");
     set_default_settings();
-    settings.threads = search_settings.threads = int16_t(start_threads_count);
-    settings.hash_mb = search_settings.hash_mb = int16_t(start_hash_mb);
-    publish_settings();
-    if (worker_count() != start_threads_count) {
-        stop_threads();
-        start_threads(start_threads_count);
-    }
-    if (tt_megabytes() != start_hash_mb)
-        tt_allocate(start_hash_mb);
+    settings.threads = int16_t(start_threads_count);
+    settings.hash_mb = int16_t(start_hash_mb);
+    settings_changed_after_option();
+    apply_waiting_settings(); // workers, table and tablebases as the settings say
     // Files a session opened start afresh in the next one.
     close_log_file();
     close_trace_file();
-    if (tb_largest)
-        tb_init("");
     trace_depth = 0;
     noise = 0;
     protocol_mode = console ? 0 : 1;
