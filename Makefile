@@ -40,12 +40,13 @@ tsan:
 	@cd $(TSAN) && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 $(TSAN_OPTIONS)" \
 		ctest --output-on-failure -j $(JOBS) -E '$(TSAN_SKIP)'
 
-# The fuzzers, one after the other, each for FUZZ_SECONDS (fuzz/run says how).
+# The fuzzers, one after the other, each for FUZZ_SECONDS (fuzz/run says how;
+# FUZZ_KIND=tsan runs them under ThreadSanitizer).
 FUZZ_SECONDS ?= 60
 FUZZ_TARGETS ?=
 
 fuzz:
-	@fuzz/run $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+	@FUZZ_KIND=$(FUZZ_KIND) fuzz/run $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 bench: build
 	@bench/run_all

@@ -5,6 +5,7 @@
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "eval/eval_options.h"
+#include "eval/params.h"
 #include "fuzz_input.h"
 #include "fuzz_support.h"
 #include "output/output.h"
@@ -394,7 +395,7 @@ std::string console_command(Script* s)
 {
     FuzzInput* in = &s->in;
     char fen_text[256];
-    switch (take_range(in, 0, 31)) {
+    switch (take_range(in, 0, 32)) {
     case 0:
     case 1:
         return "move";
@@ -454,7 +455,12 @@ std::string console_command(Script* s)
     case 28:
         return std::string("load ") + KORVEL_DATA_DIR "/epd/wac.epd WAC." + number(in, 100, 300);
     case 29:
-        return fuzz_fen(in, fen_text, sizeof fen_text); // not a command: read as a move
+        if (take_chance(in, 2))
+            return fuzz_fen(in, fen_text, sizeof fen_text); // not a command: read as a move
+        return take_one_of(in, {"freeze all", "thaw", "freeze mtl", "thaw king", "tune"});
+    case 30:
+        return std::string("tune ") + take_one_of(in, FILE_NAMES) + " " + take_one_of(in, {"0.001", "1", "0", "-1"})
+               + " " + number(in, 1, 40);
     default:
         return take_line(in, 80);
     }
@@ -623,6 +629,11 @@ void run_session_input(const uint8_t* data, size_t size, bool console)
 {
     Script s{{data, size, 0}, console, 0, std::string()};
     session_open(console);
+    // Rows the tuner moved, froze or saved to params.txt (in the scratch
+    // directory) go back to their defaults: each input starts alike.
+    std::remove("params.txt");
+    set_frozen("all", false);
+    init_eval_params(0);
     // As the switch -d sets it: a depth every search stops at, small for most
     // inputs so that sessions stay short; go depth and the console's depth
     // may raise it.
