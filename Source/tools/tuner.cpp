@@ -44,7 +44,13 @@ void update_row(int row, float err, double learning_rate, double phase)
     p.opening_f -= p.coef * learning_rate * ((1 - phase) * err);
     p.endgame_f -= p.coef * learning_rate * (phase * err);
     p.coef = 0;
-    p.score = make_score(round_half_away(p.opening_f), round_half_away(p.endgame_f));
+    Score rounded = make_score(round_half_away(p.opening_f), round_half_away(p.endgame_f));
+    // Most steps move the working copy by a fraction of a point; the tables
+    // derived from a row (mobility, king danger) are costly to rebuild, so
+    // only a change of the rounded value reaches them.
+    if (rounded == p.score)
+        return;
+    p.score = rounded;
     refresh_derived_row(row);
 }
 
