@@ -6,7 +6,8 @@
 // when it has start-up work, LLVMFuzzerInitialize. Its seeds live in
 // fuzz/corpus/<name>/ and its dictionary, if any, in fuzz/dict/<name>.dict.
 // A line "// fuzz-test-runs: N" in the target sets how many inputs the
-// fixed-seed pass of make test gives it.
+// fixed-seed pass of make test gives it, and "// fuzz-max-len: N" the
+// longest input either driver makes (4096 bytes without it).
 #pragma once
 
 #include <cstddef>
