@@ -99,8 +99,8 @@ struct MoveReader {
             } else if (c == ')') {
                 parentheses -= parentheses > 0;
                 p++;
-            } else if (std::isspace(static_cast<unsigned char>(c))) {
-                p++;
+            } else if (std::isspace(static_cast<unsigned char>(c)) || c == '}') {
+                p++; // a closing brace without its comment is passed over like a blank
             } else {
                 const char* end = p;
                 while (*end && !std::isspace(static_cast<unsigned char>(*end)) && !std::strchr("{}();", *end))

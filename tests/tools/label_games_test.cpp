@@ -74,3 +74,15 @@ TEST(LabelGames, StartPositionsCommentsVariationsAndBrokenGames)
     EXPECT_EQ(lines[2], "8/7k/8/8/8/8/1K6/6R1 w - - bm Ka1; ce 125; gr 0.5;");
     EXPECT_EQ(lines[3], "8/7k/8/8/8/8/8/K5R1 b - - bm Kh8; ce -50; gr 0.5;");
 }
+
+// A closing brace with no comment open, as a hand-edited file leaves, is
+// passed over: the reader once stood on it forever.
+TEST(LabelGames, StrayClosingBraceEndsAndLabels)
+{
+    std::string pgn = std::string("[Event \"d\"]\n[Result \"0-1\"]\n\n1. Nf3 {a comment} Nf6 }}\n")
+                      + (MOVES + 10) + " 0-1\n";
+    long count = 0;
+    std::vector<std::string> lines = label(pgn, &count);
+    ASSERT_EQ(count, 8);
+    EXPECT_EQ(lines[0], "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e3; ce 0; gr 0.0;");
+}
