@@ -1,0 +1,165 @@
+// The opening-book prober on any book file: the bytes after a short header
+// are the file, probed through the engine's own entry points (the search's
+// and the console's book_probe, listing included, and the reader of one
+// position's entries) on a position the header chooses. Random keys would
+// almost never meet the position, so the header can also give the entries
+// the keys of the probed position and of a few fixed ones, sorted or not.
+// Whatever the file, the prober must read inside its buffers, hand back only
+// entries of the asked key, never more than it promises, choose one of
+// them, and answer with a move that can be played here or with none.
+// fuzz-test-runs: 4000
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "board/position_check.h"
+#include "board/zobrist.h"
+#include "book/book_entry.h"
+#include "book/book_key.h"
+#include "book/book_probe.h"
+#include "fuzz_input.h"
+#include "fuzz_support.h"
+#include "output/output.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr const char* BOOK_FILE = "fuzz.bin";
+
+// Positions a book holds, with castling rights, en-passant squares and an
+// under-promotion among their moves.
+const char* const FENS[] = {
+    START_FEN,
+    "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1",
+    "rnbqkbnr/ppp1pppp/8/3pP3/8/8/PPPP1PPP/RNBQKBNR b KQkq - 0 2",
+    "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3",
+    "rnbqk1nr/ppp2ppp/8/4P3/1BP5/8/PP2KpPP/RN1Q1BNR b kq - 1 7",
+    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
+    "8/2k5/8/8/8/8/5K2/7R w - - 0 1",
+};
+constexpr int FEN_COUNT = int(sizeof FENS / sizeof FENS[0]);
+
+uint64_t fixed_keys[FEN_COUNT];
+Game game;
+
+void put_key(unsigned char* bytes, uint64_t key)
+{
+    for (int i = 0; i < 8; i++)
+        bytes[i] = uint8_t(key >> (56 - 8 * i));
+}
+
+// Gives whole entries the probed key or a fixed one as their first bytes
+// say; with `sorted` the keys are then put in ascending order, each entry
+// keeping its move and weight.
+void rekey(std::vector<unsigned char>* book, uint64_t key, bool sorted)
+{
+    size_t entries = book->size() / BOOK_ENTRY_SIZE;
+    std::vector<uint64_t> keys;
+    for (size_t i = 0; i < entries; i++) {
+        unsigned char* e = book->data() + i * BOOK_ENTRY_SIZE;
+        BookEntry entry;
+        decode_book_entry(e, &entry);
+        int how = e[0] % 4;
+        keys.push_back(how < 2 ? key : how == 2 ? fixed_keys[e[1] % FEN_COUNT] : entry.key);
+    }
+    if (sorted)
+        std::sort(keys.begin(), keys.end());
+    for (size_t i = 0; i < entries; i++)
+        put_key(book->data() + i * BOOK_ENTRY_SIZE, keys[i]);
+}
+
+void check_entries(uint64_t key, FuzzInput* in)
+{
+    BookEntry entries[MAX_BOOK_MOVES];
+    int count = read_book_moves(BOOK_FILE, key, entries);
+    if (count < 0 || count > MAX_BOOK_MOVES)
+        fuzz_fail("the book reader returned an impossible entry count");
+    for (int i = 0; i < count; i++) {
+        if (entries[i].key != key)
+            fuzz_fail("the book reader returned an entry of another key");
+        book_move_to_move(entries[i].move);
+    }
+    if (count == 0)
+        return;
+    BookRoulette r;
+    spin_book_roulette(entries, count, take_range(in, 0, 100), uint32_t(take_range(in, 0, 999)), &r);
+    if (r.selected < 0 || r.selected >= count)
+        fuzz_fail("the roulette chose no entry");
+    if (r.sum < 0 || r.total < 0)
+        fuzz_fail("the roulette's sums went negative");
+}
+
+void check_probe(Position* pos, const BookOptions& options)
+{
+    Move m = book_probe(pos, BOOK_FILE, options);
+    if (!m)
+        return;
+    if (!is_pseudo_legal(pos, m))
+        fuzz_fail("the book answered with a move that cannot be played here");
+    if (!is_legal(pos, pos->side, m))
+        return; // the engine's caller checks legality itself
+    make_move(pos, m);
+    if (*position_fault(pos))
+        fuzz_fail("the book move left an inconsistent position");
+    unmake_move(pos);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    fuzz_silence_stdout();
+    fuzz_enter_scratch_dir();
+    init_zobrist();
+    for (int i = 0; i < FEN_COUNT; i++) {
+        set_position(game_init(&game), FENS[i]);
+        fixed_keys[i] = book_key(&game.pos);
+    }
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    // Header: the position (one of the fixed ones, or a FEN line that
+    // follows), then the options; the rest is the book.
+    FuzzInput in{data, size, 0};
+    int which = take_range(&in, 0, FEN_COUNT);
+    int flags = take_byte(&in);
+    int variety = take_range(&in, 0, 100);
+    std::string line = which < FEN_COUNT ? FENS[which] : take_line(&in, 100);
+    const char* text = line.c_str();
+    Position* pos = game_init(&game);
+    set_position(pos, text);
+    if (position_problem(pos))
+        set_position(game_init(&game), START_FEN);
+    pos = &game.pos;
+
+    std::vector<unsigned char> book(data + in.used, data + size);
+    if (flags & 1)
+        rekey(&book, book_key(pos), flags & 2);
+    FILE* f = std::fopen(BOOK_FILE, "wb");
+    if (!f || std::fwrite(book.data(), 1, book.size(), f) != book.size() || std::fclose(f) != 0)
+        fuzz_fail("cannot write the book file");
+
+    // The listing in either dialect, and the quiet probe of the search.
+    std::srand(unsigned(flags));
+    protocol_mode = int16_t(flags >> 2 & 1);
+    check_probe(pos, {variety, bool(flags & 8)});
+    check_probe(pos, {variety, !(flags & 8)});
+
+    FuzzInput rest{data, size, in.used};
+    check_entries(book_key(pos), &rest);
+    check_entries(fixed_keys[(flags >> 4) % FEN_COUNT], &rest);
+    if (book.size() >= BOOK_ENTRY_SIZE) {
+        BookEntry first;
+        decode_book_entry(book.data(), &first);
+        check_entries(first.key, &rest);
+    }
+    return 0;
+}
