@@ -6,6 +6,7 @@
 #include "board/notation.h"
 #include "output/output.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -28,6 +29,7 @@ enum Result { WHITE_WINS, BLACK_WINS, DRAWN, UNKNOWN };
 
 constexpr int NO_EVAL = -30000;
 constexpr int MATE_EVAL = 9000;
+constexpr int EVAL_LIMIT = 29999; // NO_EVAL lies just outside
 
 struct GameText {
     Result result;
@@ -50,7 +52,13 @@ int eval_of_comment(const char* comment)
         return start[0] == '-' ? -MATE_EVAL : MATE_EVAL;
     if (!std::strchr("+-0123456789.", *start) || start == slash)
         return NO_EVAL;
-    return int(std::strtod(start, nullptr) * 100);
+    // Text such as "1e99/5" or "+inf/5" reads as a number no int holds:
+    // scores are kept inside the range of a stored evaluation, and "+nan"
+    // counts as no score at all.
+    double centipawns = std::strtod(start, nullptr) * 100;
+    if (centipawns != centipawns)
+        return NO_EVAL;
+    return int(std::clamp(centipawns, -double(EVAL_LIMIT), double(EVAL_LIMIT)));
 }
 
 Result result_of(const char* tag_line)

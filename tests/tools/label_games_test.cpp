@@ -86,3 +86,24 @@ TEST(LabelGames, StrayClosingBraceEndsAndLabels)
     ASSERT_EQ(count, 8);
     EXPECT_EQ(lines[0], "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e3; ce 0; gr 0.0;");
 }
+
+// Scores that strtod reads as numbers beyond an int ("1e99", "+inf") were
+// converted as they were, which is undefined; they are now kept within the
+// range of a stored evaluation, and "+nan" counts as no score.
+TEST(LabelGames, HugeCommentScoresStayInRange)
+{
+    std::string moves = MOVES;
+    size_t at = moves.find("9. e3 e6") + 5; // after ply 16, the first labelled
+    moves.insert(at, "{1e99/5 0.1s} ");
+    at = moves.find("e6", at) + 2;
+    moves.insert(at, " {-inf/5}");
+    at = moves.find("Nf3", at) + 3;
+    moves.insert(at, " {+nan/5}");
+    std::string pgn = std::string("[Event \"e\"]\n[Result \"1-0\"]\n\n") + moves + " 1-0\n";
+    long count = 0;
+    std::vector<std::string> lines = label(pgn, &count);
+    ASSERT_EQ(count, 8);
+    EXPECT_EQ(lines[0], "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e3; ce 29999; gr 1.0;");
+    EXPECT_EQ(lines[1], "rnbqkbnr/pppppppp/8/8/8/4P3/PPPP1PPP/RNBQKBNR b KQkq - bm e6; ce -29999; gr 0.0;");
+    EXPECT_NE(lines[2].find("bm Nf3; ce 0;"), std::string::npos) << lines[2];
+}
