@@ -1,0 +1,153 @@
+// The tablebase prober on any table file: the first byte names the file (a
+// handful of three- and four-man materials, WDL or DTZ) and chooses which
+// positions are probed; the rest is the file's content. It is written under
+// that name into the scratch directory, which the prober searches before
+// the shared tables (when they are there), so the other files of a probe,
+// the WDL partner of a DTZ file and the tables captures lead to, are real.
+// The prober keeps its tables in globals: every input starts with tb_init.
+// Whatever the file holds, probing must stay inside the mapping and the
+// prober's records, end, and give values in their ranges and root moves
+// that can be played.
+// fuzz-test-runs: 1000
+// fuzz-max-len: 16384
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/movegen.h"
+#include "board/zobrist.h"
+#include "fuzz_support.h"
+#include "tablebase/tbprobe.h"
+
+#include <cstdio>
+#include <string>
+#include <unistd.h>
+
+namespace
+{
+
+const char* const MATERIALS[] = {"KQvK", "KRvK", "KPvK", "KRvKP", "KPvKP"};
+constexpr int MATERIAL_COUNT = int(sizeof MATERIALS / sizeof MATERIALS[0]);
+constexpr const char* EXTENSIONS[2] = {".rtbw", ".rtbz"};
+constexpr int POSITIONS = 6;
+constexpr int TRIES = 40; // random placements per position wanted
+
+std::string search_path;
+Game game;
+
+uint64_t next_random(uint64_t* state)
+{
+    uint64_t z = (*state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+}
+
+// A FEN with the material's men on random squares (pawns off the first and
+// last ranks) and a random side to move; it may still be illegal.
+std::string random_fen(const char* material, uint64_t* state)
+{
+    char board[64];
+    for (char& c : board)
+        c = 0;
+    bool white = true;
+    for (const char* p = material; *p; p++) {
+        if (*p == 'v') {
+            white = false;
+            continue;
+        }
+        int sq;
+        do {
+            sq = int(next_random(state) % 64);
+        } while (board[sq] || (*p == 'P' && (sq < 8 || sq >= 56)));
+        board[sq] = white ? *p : char(*p - 'A' + 'a');
+    }
+    std::string fen;
+    for (int rank = 7; rank >= 0; rank--) {
+        int empty = 0;
+        for (int file = 0; file < 8; file++) {
+            char c = board[rank * 8 + file];
+            if (!c) {
+                empty++;
+                continue;
+            }
+            if (empty)
+                fen += char('0' + empty);
+            empty = 0;
+            fen += c;
+        }
+        if (empty)
+            fen += char('0' + empty);
+        if (rank)
+            fen += '/';
+    }
+    fen += next_random(state) & 1 ? " b - - 0 1" : " w - - 0 1";
+    return fen;
+}
+
+void probe(const Position* pos)
+{
+    int wdl = tb_probe_wdl(pos, 100);
+    if (wdl < -1 || wdl > 4)
+        fuzz_fail("the WDL probe gave a value out of range");
+    int full_wdl = 0, dtz = 0;
+    if (tb_probe_full(pos, &full_wdl, &dtz) && (full_wdl < -2 || full_wdl > 2))
+        fuzz_fail("the full probe gave a value out of range");
+    Move move = 0;
+    int root = tb_probe_root(pos, &move);
+    if (root < -1 || root > 4)
+        fuzz_fail("the root probe gave a value out of range");
+    if (move && (!is_pseudo_legal(pos, move) || !is_legal(pos, pos->side, move)))
+        fuzz_fail("the root probe chose a move that cannot be played");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    fuzz_silence_stdout();
+    fuzz_enter_scratch_dir();
+    init_zobrist();
+    char here[4096];
+    if (!getcwd(here, sizeof here))
+        fuzz_fail("no working directory");
+    search_path = here;
+    std::string shared = std::string(KORVEL_DATA_DIR) + "/syzygy";
+    if (access(shared.c_str(), R_OK) == 0)
+        search_path += ";" + shared;
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0)
+        return 0;
+    int choice = data[0] % (2 * MATERIAL_COUNT);
+    const char* material = MATERIALS[choice / 2];
+    std::string name = std::string(material) + EXTENSIONS[choice % 2];
+
+    // Only this input's file in the directory.
+    for (const char* m : MATERIALS)
+        for (const char* e : EXTENSIONS)
+            unlink((std::string(m) + e).c_str());
+    FILE* f = std::fopen(name.c_str(), "wb");
+    if (!f || std::fwrite(data + 1, 1, size - 1, f) != size - 1 || std::fclose(f) != 0)
+        fuzz_fail("cannot write the table file");
+
+    tb_set_probe_depths(0, 0);
+    tb_init(search_path.c_str());
+
+    // The same positions for every content of the file, so that what a
+    // mutation changes is the table alone.
+    uint64_t state = uint64_t(data[0] / (2 * MATERIAL_COUNT)) * 1000003u + uint64_t(choice);
+    int probed = 0;
+    for (int t = 0; t < TRIES * POSITIONS && probed < POSITIONS; t++) {
+        std::string fen = random_fen(material, &state);
+        Position* pos = game_init(&game);
+        set_position(pos, fen.c_str());
+        if (position_problem(pos))
+            continue;
+        probe(pos);
+        probed++;
+    }
+    tb_init("<empty>");
+    return 0;
+}
