@@ -137,6 +137,10 @@ long write_game(const GameText& g, FILE* out, Game* board)
     set_position(pos, start);
     if (position_problem(pos))
         return 0;
+    // The labelling pass starts again from this very position: reading the
+    // FEN again would keep the side to move of the game's end wherever the
+    // side field is neither "w" nor "b".
+    const Position first = *pos;
     Move moves[MAX_GAME_MOVES];
     int n = 0;
     for (; n < g.moves; n++) {
@@ -146,7 +150,7 @@ long write_game(const GameText& g, FILE* out, Game* board)
         if (pos->game_ply >= MAX_GAME_PLY - 1)
             pos->game_ply = 0; // only the position matters
     }
-    set_position(pos, start);
+    *pos = first;
     long written = 0;
     for (int ply = 0; ply < n && ply <= LAST_PLY; ply++) {
         if (ply >= FIRST_PLY && ply < n - LAST_PLIES_LEFT_OUT && pos->fifty <= MAX_FIFTY && !in_check(pos, pos->side)) {

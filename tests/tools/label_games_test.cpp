@@ -107,3 +107,21 @@ TEST(LabelGames, HugeCommentScoresStayInRange)
     EXPECT_EQ(lines[1], "rnbqkbnr/pppppppp/8/8/8/4P3/PPPP1PPP/RNBQKBNR b KQkq - bm e6; ce -29999; gr 0.0;");
     EXPECT_NE(lines[2].find("bm Nf3; ce 0;"), std::string::npos) << lines[2];
 }
+
+// A FEN tag whose side field is neither "w" nor "b": the labelling pass
+// once read the tag again and kept the side to move of the game's end,
+// replaying White's moves for Black after an odd number of plies.
+TEST(LabelGames, OddGameFromFenWithoutSideReplaysTheSameMoves)
+{
+    std::string moves;
+    for (int i = 0; i < 6; i++)
+        moves += " Kb2 Kh7 Ka1 Kh8";
+    moves += " Kb2 Kh7 Ka1";
+    std::string pgn = "[Event \"f\"]\n[FEN \"7k/8/8/8/8/8/8/K5R1 ? - - 0 1\"]\n[Result \"1-0\"]\n\n"
+                      + moves.substr(1) + " 1-0\n";
+    long count = 0;
+    std::vector<std::string> lines = label(pgn, &count);
+    ASSERT_EQ(count, 5); // 27 plies: 16 .. 20
+    EXPECT_EQ(lines[0], "7k/8/8/8/8/8/8/K5R1 w - - bm Kb2; ce 0; gr 1.0;");
+    EXPECT_EQ(lines[1], "7k/8/8/8/8/8/1K6/6R1 b - - bm Kh7; ce 0; gr 0.0;");
+}
