@@ -53,15 +53,25 @@ class Engine:
         self.p.stdin.flush()
 
     def wait_for(self, prefix):
+        return self.wait_until(lambda line: line.startswith(prefix), prefix)
+
+    def wait_until(self, done, what="the awaited line"):
         lines = []
         while True:
             line = self.p.stdout.readline()
             if not line:
-                raise RuntimeError("engine ended before " + prefix)
+                raise RuntimeError("engine ended before " + what)
             line = line.rstrip("\n")
             lines.append(line)
-            if line.startswith(prefix):
+            if done(line):
                 return line, lines
+
+    def cpu_seconds(self):
+        """Processor time the engine has used so far, all its threads, user and
+        system: on a shared machine it counts only the engine's own work."""
+        with open("/proc/%d/stat" % self.p.pid) as f:
+            fields = f.read().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
     def close(self):
         try:
