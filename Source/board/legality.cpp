@@ -64,21 +64,31 @@ PinInfo pin_info(const Position* pos, int side)
     Bitboard checkers = (p[PAWN] & PAWN_ATTACKS[side][ksq]) | (p[KNIGHT] & KNIGHT_ATTACKS[ksq])
                         | ((p[BISHOP] | p[QUEEN]) & bishop_attacks(ksq, occ))
                         | ((p[ROOK] | p[QUEEN]) & rook_attacks(ksq, occ));
+    info.checkers = checkers;
     info.in_check = checkers != 0;
     info.checker = uint8_t(checkers ? lsb(checkers) : NO_SQUARE);
+    info.careful = checkers ? ~0ULL : info.pinned | bit(ksq);
     return info;
 }
 
-int is_legal_fast(const Position* pos, int side, Move move, const PinInfo& info)
+int is_legal_careful(const Position* pos, int side, Move move, const PinInfo& info)
 {
     int from = move_from(move), to = move_to(move);
-    if (info.in_check || from == info.king_square)
+    int ksq = info.king_square;
+    if (from == ksq)
         return is_legal(pos, side, move);
     if (to == pos->ep_square && piece_type(pos->board[from]) == PAWN)
         return is_legal(pos, side, move);
+    if (info.checkers) {
+        // Against two checkers only the king can help; against one, another
+        // man must take it or step between.
+        if (info.checkers & (info.checkers - 1))
+            return 0;
+        if (!(bit(to) & (info.checkers | BETWEEN[ksq][info.checker])))
+            return 0;
+    }
     if (!(info.pinned & bit(from)))
         return 1;
     // A pinned man may only move along the line through its king.
-    int ksq = info.king_square;
     return (BETWEEN[ksq][to] & bit(from)) || (BETWEEN[ksq][from] & bit(to));
 }

@@ -1,6 +1,7 @@
 // Legality of pseudo-legal moves, decided without making them.
 #pragma once
 
+#include "board/bitboard.h"
 #include "board/position.h"
 
 // 1 if the move of `side` leaves its king unattacked (for castling: the king
@@ -11,6 +12,8 @@ int is_legal(const Position* pos, int side, Move move);
 // side to move pinned against their king, and whether that king is in check.
 struct PinInfo {
     Bitboard pinned;
+    Bitboard checkers;
+    Bitboard careful; // men whose moves need a closer look: pinned men and the king, everyone in check
     uint8_t king_square;
     uint8_t in_check;
     uint8_t checker; // a checking man's square, 64 when not in check
@@ -18,6 +21,15 @@ struct PinInfo {
 
 PinInfo pin_info(const Position* pos, int side);
 
+// The closer look of is_legal_fast, for a move from a careful square or onto
+// the en-passant square.
+int is_legal_careful(const Position* pos, int side, Move move, const PinInfo& info);
+
 // Same answer as is_legal; a man that is not pinned can only expose its king
 // when the king moves, is already in check, or an en-passant victim vanishes.
-int is_legal_fast(const Position* pos, int side, Move move, const PinInfo& info);
+inline int is_legal_fast(const Position* pos, int side, Move move, const PinInfo& info)
+{
+    if (!(info.careful & bit(move_from(move))) && move_to(move) != pos->ep_square)
+        return 1;
+    return is_legal_careful(pos, side, move, info);
+}

@@ -87,7 +87,7 @@ uint64_t key_after(const Position* pos, Move move)
         k ^= piece_key(captured, to);
     if (pos->ep_square != NO_SQUARE)
         k ^= ZOBRIST[pos->ep_square];
-    int castling = pos->castling & ~(castle_mask_of(from) | castle_mask_of(to));
+    int castling = pos->castling & ~(CASTLE_MASK[from] | CASTLE_MASK[to]);
     if (castling != pos->castling)
         k ^= ZOBRIST[pos->castling] ^ ZOBRIST[castling];
     return (k & ~1ULL) + (pos->side ^ 1);
@@ -116,7 +116,7 @@ void make_move(Position* pos, Move move)
     int old_castling = pos->castling;
     pos->fifty++;
     pos->ep_square = NO_SQUARE;
-    pos->castling &= ~(castle_mask_of(from) | castle_mask_of(to));
+    pos->castling &= ~(CASTLE_MASK[from] | CASTLE_MASK[to]);
     pos->side ^= 1;
     if (old_ep != NO_SQUARE)
         pos->key ^= ZOBRIST[old_ep];

@@ -6,50 +6,132 @@
 namespace
 {
 
-inline MoveEntry* add(MoveEntry* list, const Position* pos, int from, int to, Move flags = 0)
+// Writes one entry; its score is the picker's to write.
+inline MoveEntry* put(MoveEntry* list, int code, int piece, int captured)
 {
-    list->move = Move(make_move_code(from, to) | flags);
-    list->piece = pos->board[from];
-    list->captured = pos->board[to];
+    list->move = Move(code);
+    list->piece = uint8_t(piece);
+    list->captured = uint8_t(captured);
     return list + 1;
 }
 
+// The moves of the man on `from` to each target. Onto empty squares the
+// captured code is known to be 0 without a look at the board.
+template <bool Onto_men>
+inline MoveEntry* add_targets(MoveEntry* list, const Position* pos, int from, Bitboard targets)
+{
+    int piece = pos->board[from], base = from << 8;
+    while (targets) {
+        int to = pop_lsb(targets);
+        list = put(list, base | to, piece, Onto_men ? pos->board[to] : 0);
+    }
+    return list;
+}
+
 // Pawn moves that all share one step: from = to - step.
-inline MoveEntry* add_pawn_targets(MoveEntry* list, const Position* pos, Bitboard targets, int step)
+template <bool Onto_men>
+inline MoveEntry* add_pawn_targets(MoveEntry* list, const Position* pos, int piece, Bitboard targets, int step)
 {
     while (targets) {
         int to = pop_lsb(targets);
-        list = add(list, pos, to - step, to);
+        list = put(list, (to - step) << 8 | to, piece, Onto_men ? pos->board[to] : 0);
     }
     return list;
 }
 
 template <int Type>
+inline Bitboard attacks_of(int from, Bitboard occ)
+{
+    return Type == KNIGHT   ? KNIGHT_ATTACKS[from]
+           : Type == BISHOP ? bishop_attacks(from, occ)
+           : Type == ROOK   ? rook_attacks(from, occ)
+           : Type == QUEEN  ? queen_attacks(from, occ)
+                            : KING_ATTACKS[from];
+}
+
+template <int Type, bool Onto_men>
 MoveEntry* add_piece_moves(MoveEntry* list, const Position* pos, int side, Bitboard targets)
 {
     Bitboard men = pos->pieces[side][Type];
     Bitboard occ = occupancy(pos);
     while (men) {
         int from = pop_lsb(men);
-        Bitboard att = Type == KNIGHT   ? KNIGHT_ATTACKS[from]
-                       : Type == BISHOP ? bishop_attacks(from, occ)
-                       : Type == ROOK   ? rook_attacks(from, occ)
-                       : Type == QUEEN  ? queen_attacks(from, occ)
-                                        : KING_ATTACKS[from];
-        att &= targets;
-        while (att)
-            list = add(list, pos, from, pop_lsb(att));
+        list = add_targets<Onto_men>(list, pos, from, attacks_of<Type>(from, occ) & targets);
     }
     return list;
 }
 
-inline MoveEntry* add_promotion(MoveEntry* list, const Position* pos, int from, int to, bool all_pieces)
+// Pawn captures (en passant included when its square is in `mask`) of every
+// target on ranks 2..7: towards the a-file first, then towards the h-file.
+inline MoveEntry* add_pawn_captures(MoveEntry* list, const Position* pos, int side, Bitboard targets, Bitboard mask)
 {
-    list = add(list, pos, from, to, PROMO_QUEEN);
+    // An absent en-passant square (64) shifts to bit 0, which the rank mask drops.
+    Bitboard pawn_targets = (targets | (bit(pos->ep_square & 63) & mask)) & INNER_RANKS;
+    Bitboard pawns = pos->pieces[side][PAWN];
+    int piece = piece_code(PAWN, side);
+    if (side == WHITE) {
+        list = add_pawn_targets<true>(list, pos, piece, (pawns << 7) & ~FILE_H & pawn_targets, 7);
+        return add_pawn_targets<true>(list, pos, piece, (pawns << 9) & ~FILE_A & pawn_targets, 9);
+    }
+    list = add_pawn_targets<true>(list, pos, piece, (pawns >> 9) & ~FILE_H & pawn_targets, -9);
+    return add_pawn_targets<true>(list, pos, piece, (pawns >> 7) & ~FILE_A & pawn_targets, -7);
+}
+
+// Single steps short of the last rank, then double steps, onto targets.
+inline MoveEntry* add_pawn_pushes(MoveEntry* list, const Position* pos, int side, Bitboard targets, Bitboard empty)
+{
+    Bitboard pawns = pos->pieces[side][PAWN];
+    int piece = piece_code(PAWN, side);
+    if (side == WHITE) {
+        list = add_pawn_targets<false>(list, pos, piece, (pawns << 8) & targets & INNER_RANKS, 8);
+        Bitboard hop = ((pawns & rank_mask(1)) << 8) & empty;
+        return add_pawn_targets<false>(list, pos, piece, (hop << 8) & targets & rank_mask(3), 16);
+    }
+    list = add_pawn_targets<false>(list, pos, piece, (pawns >> 8) & targets & INNER_RANKS, -8);
+    Bitboard hop = ((pawns & rank_mask(6)) >> 8) & empty;
+    return add_pawn_targets<false>(list, pos, piece, (hop >> 8) & targets & rank_mask(4), -16);
+}
+
+// King side, then queen side, onto squares of `mask`; the attack tests are
+// the legality test's.
+inline MoveEntry* add_castling(MoveEntry* list, const Position* pos, int side, Bitboard occ, Bitboard mask)
+{
+    int from = pos->king_square[side];
+    if (from == KING_START[side]) {
+        int king = pos->board[from];
+        if ((pos->castling & (1 << (2 * side))) && !(occ & (bit(from + 1) | bit(from + 2))) && (mask & bit(from + 2)))
+            list = put(list, from << 8 | (from + 2), king, 0);
+        if ((pos->castling & (2 << (2 * side))) && !(occ & (bit(from - 1) | bit(from - 2) | bit(from - 3)))
+            && (mask & bit(from - 2)))
+            list = put(list, from << 8 | (from - 2), king, 0);
+    }
+    return list;
+}
+
+inline MoveEntry* add_promotion(MoveEntry* list, int from, int to, int piece, int captured, bool all_pieces)
+{
+    int code = from << 8 | to;
+    list = put(list, code | PROMO_QUEEN, piece, captured);
     if (all_pieces) {
-        list = add(list, pos, from, to, PROMO_KNIGHT);
-        list = add(list, pos, from, to, PROMO_BISHOP);
-        list = add(list, pos, from, to, PROMO_ROOK);
+        list = put(list, code | PROMO_KNIGHT, piece, captured);
+        list = put(list, code | PROMO_BISHOP, piece, captured);
+        list = put(list, code | PROMO_ROOK, piece, captured);
+    }
+    return list;
+}
+
+// The men's targets of one piece kind, kept from the captures for the quiet moves.
+template <int Type>
+inline MoveEntry* add_captures_keeping(MoveEntry* list, const Position* pos, int side, Bitboard occ, Bitboard targets,
+                                       Bitboard* reach, uint8_t* from_sq, int& n)
+{
+    Bitboard men = pos->pieces[side][Type];
+    while (men) {
+        int from = pop_lsb(men);
+        Bitboard att = attacks_of<Type>(from, occ);
+        reach[n] = att;
+        from_sq[n++] = uint8_t(from);
+        list = add_targets<true>(list, pos, from, att & targets);
     }
     return list;
 }
@@ -61,21 +143,12 @@ MoveEntry* captures_into(const Position* pos, int side, MoveEntry* list, int che
 {
     Bitboard enemy = pos->pieces[side ^ 1][0];
     Bitboard targets = (checker == NO_SQUARE ? enemy : bit(checker)) & mask;
-    // An absent en-passant square (64) shifts to bit 0, which the mask drops.
-    Bitboard pawn_targets = (targets | (bit(pos->ep_square & 63) & mask)) & INNER_RANKS;
-    Bitboard pawns = pos->pieces[side][PAWN];
-    if (side == WHITE) {
-        list = add_pawn_targets(list, pos, (pawns << 7) & ~FILE_H & pawn_targets, 7);
-        list = add_pawn_targets(list, pos, (pawns << 9) & ~FILE_A & pawn_targets, 9);
-    } else {
-        list = add_pawn_targets(list, pos, (pawns >> 9) & ~FILE_H & pawn_targets, -9);
-        list = add_pawn_targets(list, pos, (pawns >> 7) & ~FILE_A & pawn_targets, -7);
-    }
-    list = add_piece_moves<KNIGHT>(list, pos, side, targets);
-    list = add_piece_moves<BISHOP>(list, pos, side, targets);
-    list = add_piece_moves<ROOK>(list, pos, side, targets);
-    list = add_piece_moves<QUEEN>(list, pos, side, targets);
-    return add_piece_moves<KING>(list, pos, side, enemy & mask);
+    list = add_pawn_captures(list, pos, side, targets, mask);
+    list = add_piece_moves<KNIGHT, true>(list, pos, side, targets);
+    list = add_piece_moves<BISHOP, true>(list, pos, side, targets);
+    list = add_piece_moves<ROOK, true>(list, pos, side, targets);
+    list = add_piece_moves<QUEEN, true>(list, pos, side, targets);
+    return add_piece_moves<KING, true>(list, pos, side, enemy & mask);
 }
 
 MoveEntry* promotions_into(const Position* pos, int side, bool all_pieces, MoveEntry* list, Bitboard mask)
@@ -84,16 +157,17 @@ MoveEntry* promotions_into(const Position* pos, int side, bool all_pieces, MoveE
     Bitboard enemy = pos->pieces[side ^ 1][0] & mask;
     Bitboard occ = occupancy(pos);
     int step = PAWN_STEP[side];
+    int piece = piece_code(PAWN, side);
     // Captures towards the a-file are step - 1, towards the h-file step + 1.
     while (pawns) {
         int from = pop_lsb(pawns);
         int to = from + step;
         if (!(occ & bit(to)) && (mask & bit(to)))
-            list = add_promotion(list, pos, from, to, all_pieces);
+            list = add_promotion(list, from, to, piece, 0, all_pieces);
         if (file_of(from) != 0 && (enemy & bit(to - 1)))
-            list = add_promotion(list, pos, from, to - 1, all_pieces);
+            list = add_promotion(list, from, to - 1, piece, pos->board[to - 1], all_pieces);
         if (file_of(from) != 7 && (enemy & bit(to + 1)))
-            list = add_promotion(list, pos, from, to + 1, all_pieces);
+            list = add_promotion(list, from, to + 1, piece, pos->board[to + 1], all_pieces);
     }
     return list;
 }
@@ -105,34 +179,46 @@ MoveEntry* quiets_into(const Position* pos, int side, MoveEntry* list, int check
     Bitboard targets = empty & mask;
     if (checker != NO_SQUARE)
         targets &= BETWEEN[checker][pos->king_square[side]];
-    Bitboard pawns = pos->pieces[side][PAWN];
-    if (side == WHITE) {
-        list = add_pawn_targets(list, pos, (pawns << 8) & targets & INNER_RANKS, 8);
-        Bitboard hop = ((pawns & rank_mask(1)) << 8) & empty;
-        list = add_pawn_targets(list, pos, (hop << 8) & targets & rank_mask(3), 16);
-    } else {
-        list = add_pawn_targets(list, pos, (pawns >> 8) & targets & INNER_RANKS, -8);
-        Bitboard hop = ((pawns & rank_mask(6)) >> 8) & empty;
-        list = add_pawn_targets(list, pos, (hop >> 8) & targets & rank_mask(4), -16);
-    }
-    list = add_piece_moves<KNIGHT>(list, pos, side, targets);
-    list = add_piece_moves<BISHOP>(list, pos, side, targets);
-    list = add_piece_moves<ROOK>(list, pos, side, targets);
-    list = add_piece_moves<QUEEN>(list, pos, side, targets);
-    list = add_piece_moves<KING>(list, pos, side, empty & mask);
-
-    int from = pos->king_square[side];
-    if (from == KING_START[side]) {
-        if ((pos->castling & (1 << (2 * side))) && !(occ & (bit(from + 1) | bit(from + 2))) && (mask & bit(from + 2)))
-            list = add(list, pos, from, from + 2);
-        if ((pos->castling & (2 << (2 * side))) && !(occ & (bit(from - 1) | bit(from - 2) | bit(from - 3)))
-            && (mask & bit(from - 2)))
-            list = add(list, pos, from, from - 2);
-    }
-    return list;
+    list = add_pawn_pushes(list, pos, side, targets, empty);
+    list = add_piece_moves<KNIGHT, false>(list, pos, side, targets);
+    list = add_piece_moves<BISHOP, false>(list, pos, side, targets);
+    list = add_piece_moves<ROOK, false>(list, pos, side, targets);
+    list = add_piece_moves<QUEEN, false>(list, pos, side, targets);
+    list = add_piece_moves<KING, false>(list, pos, side, empty & mask);
+    return add_castling(list, pos, side, occ, mask);
 }
 
 } // namespace
+
+MoveEntry* gen_every(const Position* pos, int side, MoveEntry* list, int checker)
+{
+    Bitboard occ = occupancy(pos);
+    Bitboard empty = ~occ;
+    Bitboard enemy = pos->pieces[side ^ 1][0];
+    Bitboard targets = checker == NO_SQUARE ? enemy : bit(checker);
+    // Each man's attacks are worked out once, for its captures, and kept for
+    // its quiet moves: at most fifteen men besides the king.
+    Bitboard reach[16];
+    uint8_t from_sq[16];
+    int n = 0;
+    list = add_pawn_captures(list, pos, side, targets, ~Bitboard(0));
+    list = add_captures_keeping<KNIGHT>(list, pos, side, occ, targets, reach, from_sq, n);
+    list = add_captures_keeping<BISHOP>(list, pos, side, occ, targets, reach, from_sq, n);
+    list = add_captures_keeping<ROOK>(list, pos, side, occ, targets, reach, from_sq, n);
+    list = add_captures_keeping<QUEEN>(list, pos, side, occ, targets, reach, from_sq, n);
+    list = add_piece_moves<KING, true>(list, pos, side, enemy);
+
+    list = gen_promotions(pos, side, true, list);
+
+    Bitboard quiet = empty;
+    if (checker != NO_SQUARE)
+        quiet &= BETWEEN[checker][pos->king_square[side]];
+    list = add_pawn_pushes(list, pos, side, quiet, empty);
+    for (int i = 0; i < n; i++)
+        list = add_targets<false>(list, pos, from_sq[i], reach[i] & quiet);
+    list = add_piece_moves<KING, false>(list, pos, side, empty);
+    return add_castling(list, pos, side, occ, ~Bitboard(0));
+}
 
 MoveEntry* gen_captures(const Position* pos, int side, MoveEntry* list, int checker)
 {
@@ -151,7 +237,9 @@ MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checke
 
 MoveEntry* gen_all(const Position* pos, MoveEntry* list)
 {
-    return gen_all_to(pos, ~Bitboard(0), list);
+    list = gen_every(pos, pos->side, list, NO_SQUARE);
+    list->move = MOVE_END;
+    return list;
 }
 
 MoveEntry* gen_all_to(const Position* pos, Bitboard mask, MoveEntry* list)
@@ -229,21 +317,12 @@ MoveEntry* gen_quiet_checks(const Position* pos, MoveEntry* list)
     Bitboard occ = occupancy(pos);
     Bitboard empty = ~occ;
     Bitboard pawn_squares = PAWN_ATTACKS[side ^ 1][ek] & empty & INNER_RANKS;
-    Bitboard pawns = pos->pieces[side][PAWN];
-    if (side == WHITE) {
-        list = add_pawn_targets(list, pos, (pawns << 8) & pawn_squares, 8);
-        Bitboard hop = ((pawns & rank_mask(1)) << 8) & empty;
-        list = add_pawn_targets(list, pos, (hop << 8) & pawn_squares & rank_mask(3), 16);
-    } else {
-        list = add_pawn_targets(list, pos, (pawns >> 8) & pawn_squares, -8);
-        Bitboard hop = ((pawns & rank_mask(6)) >> 8) & empty;
-        list = add_pawn_targets(list, pos, (hop >> 8) & pawn_squares & rank_mask(4), -16);
-    }
-    list = add_piece_moves<KNIGHT>(list, pos, side, KNIGHT_ATTACKS[ek] & empty);
+    list = add_pawn_pushes(list, pos, side, pawn_squares, empty);
+    list = add_piece_moves<KNIGHT, false>(list, pos, side, KNIGHT_ATTACKS[ek] & empty);
     Bitboard diagonal = bishop_attacks(ek, occ) & empty, straight = rook_attacks(ek, occ) & empty;
-    list = add_piece_moves<BISHOP>(list, pos, side, diagonal);
-    list = add_piece_moves<ROOK>(list, pos, side, straight);
-    return add_piece_moves<QUEEN>(list, pos, side, diagonal | straight);
+    list = add_piece_moves<BISHOP, false>(list, pos, side, diagonal);
+    list = add_piece_moves<ROOK, false>(list, pos, side, straight);
+    return add_piece_moves<QUEEN, false>(list, pos, side, diagonal | straight);
 }
 
 int gen_legal(const Position* pos, MoveEntry* list)

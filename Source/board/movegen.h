@@ -27,6 +27,11 @@ MoveEntry* gen_promotions(const Position* pos, int side, bool all_pieces, MoveEn
 // men other than the king may only block the check.
 MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checker);
 
+// Captures, all four promotions and quiet moves, in that order: what the
+// three generators above give one after the other, each man's attacks
+// worked out once. Returns the end of the list (no end marker).
+MoveEntry* gen_every(const Position* pos, int side, MoveEntry* list, int checker);
+
 // Every pseudo-legal move of the side to move, ended by MOVE_END; returns the
 // address of the end marker.
 MoveEntry* gen_all(const Position* pos, MoveEntry* list);

@@ -188,9 +188,7 @@ MoveEntry* next_move(SearchThread* t, int ply)
             set_stage(pi, STAGE_END);
             break;
         case STAGE_GEN_ALL: {
-            MoveEntry* end = gen_captures(pos, side, pi.list_end, pi.king_square);
-            end = gen_promotions(pos, side, true, end);
-            pi.list_end = gen_quiets(pos, side, end, pi.king_square);
+            pi.list_end = gen_every(pos, side, pi.list_end, pi.king_square);
             set_stage(pi, STAGE_WALK);
             break;
         }

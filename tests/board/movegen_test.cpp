@@ -1,3 +1,5 @@
+#include "board/attack_queries.h"
+#include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/zobrist.h"
 #include "support/test_positions.h"
@@ -139,6 +141,49 @@ TEST(MoveGen, MovesToChosenSquares)
         }
     }
     EXPECT_EQ(compared, 200 * int(fens.size()));
+    free_test_game(g);
+}
+
+namespace
+{
+
+// gen_every must give, entry for entry, what the three generators give in turn.
+void expect_every_matches_parts(const Position* pos, int checker)
+{
+    MoveEntry parts[MAX_MOVES], every[MAX_MOVES];
+    MoveEntry* end = gen_captures(pos, pos->side, parts, checker);
+    end = gen_promotions(pos, pos->side, true, end);
+    end = gen_quiets(pos, pos->side, end, checker);
+    MoveEntry* every_end = gen_every(pos, pos->side, every, checker);
+    ASSERT_EQ(every_end - every, end - parts);
+    for (int i = 0; i < end - parts; i++) {
+        ASSERT_EQ(every[i].move, parts[i].move) << i;
+        ASSERT_EQ(every[i].piece, parts[i].piece) << i;
+        ASSERT_EQ(every[i].captured, parts[i].captured) << i;
+    }
+}
+
+} // namespace
+
+TEST(MoveGen, EveryMoveInOneGoMatchesTheStages)
+{
+    Game* g = new_test_game();
+    for (const PerftCase& c : load_perft_cases()) {
+        set_test_position(g, c.fen);
+        Position* pos = &g->pos;
+        // The position and every one a move away, with the checker as the
+        // search finds it and without.
+        MoveEntry list[MAX_MOVES];
+        gen_all(pos, list);
+        expect_every_matches_parts(pos, NO_SQUARE);
+        for (MoveEntry* e = list; e->move != MOVE_END; e++) {
+            make_move(pos, e->move);
+            int checker = find_attacker(pos, pos->king_square[pos->side], pos->side ^ 1, occupancy(pos));
+            expect_every_matches_parts(pos, checker);
+            expect_every_matches_parts(pos, NO_SQUARE);
+            unmake_move(pos);
+        }
+    }
     free_test_game(g);
 }
 
