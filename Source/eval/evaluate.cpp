@@ -38,6 +38,20 @@ constexpr Bitboard RANK_MASK(int r)
     return RANK_1 << (8 * r);
 }
 
+// Every square of the set and all squares below (above) them on their files.
+inline Bitboard fill_down(Bitboard b)
+{
+    b |= b >> 8;
+    b |= b >> 16;
+    return b | b >> 32;
+}
+inline Bitboard fill_up(Bitboard b)
+{
+    b |= b << 8;
+    b |= b << 16;
+    return b | b << 32;
+}
+
 // Relative rank 0..7 of a square for a side.
 inline int relative_rank(int side, int sq)
 {
@@ -71,6 +85,7 @@ struct EvalState {
     int threat[2];    // handed to the search
     int flip[2];      // square maps: sq ^ flip[side]
     int table_offset; // 0: "1" tables, else the distance to the "2" tables
+    bool tracing;     // keep the snapshots
     Score snapshot[EVAL_GROUPS + 1][2];
     EvalCaches* caches;
 };
@@ -117,16 +132,19 @@ inline int piece_table(const EvalState& st, int table_one)
     return st.table_offset ? table_one + st.table_offset : table_one;
 }
 
-void snapshot(EvalState& st, int group)
+// The accounts after a group of terms, for the breakdown display.
+inline void snapshot(EvalState& st, int group)
 {
+    if (!st.tracing)
+        return;
     st.snapshot[group][0] = st.acc[0];
     st.snapshot[group][1] = st.acc[1];
 }
 
 // --- pawns ------------------------------------------------------------------
 
-template <bool Tune>
-Score pawn_structure(EvalState& st, int s)
+template <bool Tune, int s>
+Score pawn_structure(EvalState& st)
 {
     const Position* pos = st.pos;
     Bitboard own = pos->pieces[s][PAWN], enemy = pos->pieces[s ^ 1][PAWN];
@@ -169,8 +187,8 @@ void evaluate_pawns(EvalState& st, EvalCaches* c, int ply)
         st.acc[0] += e->score[0];
         st.acc[1] += e->score[1];
     } else {
-        Score w = pawn_structure<Tune>(st, WHITE);
-        Score b = pawn_structure<Tune>(st, BLACK);
+        Score w = pawn_structure<Tune, WHITE>(st);
+        Score b = pawn_structure<Tune, BLACK>(st);
         e->key = key;
         e->score[0] = w;
         e->score[1] = b;
@@ -190,8 +208,8 @@ inline void note_attacks(EvalState& st, int s, int type, Bitboard att)
     st.by_type[s][type] |= att;
 }
 
-template <bool Tune, int Type>
-void evaluate_pieces(EvalState& st, int s)
+template <bool Tune, int Type, int s>
+void evaluate_pieces(EvalState& st)
 {
     const Position* pos = st.pos;
     int e = s ^ 1;
@@ -261,8 +279,8 @@ void evaluate_pieces(EvalState& st, int s)
 
 // --- king safety ------------------------------------------------------------
 
-template <bool Tune>
-void evaluate_king(EvalState& st, int s)
+template <bool Tune, int s>
+void evaluate_king(EvalState& st)
 {
     const Position* pos = st.pos;
     int e = s ^ 1;
@@ -335,14 +353,16 @@ void evaluate_king(EvalState& st, int s)
 
 // --- passed pawns -----------------------------------------------------------
 
-template <bool Tune>
-void evaluate_passers(EvalState& st, int s)
+template <bool Tune, int s>
+void evaluate_passers(EvalState& st)
 {
     const Position* pos = st.pos;
     int e = s ^ 1;
     Bitboard own = pos->pieces[s][PAWN], enemy = pos->pieces[e][PAWN];
     Bitboard defended = pawn_attacks_of(s, own);
-    Bitboard b = own;
+    // Only pawns with no enemy pawn ahead on their file can be passers or
+    // candidates: the others are left out at once.
+    Bitboard b = own & ~(s == WHITE ? fill_down(enemy >> 8) : fill_up(enemy << 8));
     while (b) {
         int sq = pop_lsb(b);
         int r = relative_rank(s, sq);
@@ -382,8 +402,8 @@ void evaluate_passers(EvalState& st, int s)
 
 // --- threats ----------------------------------------------------------------
 
-template <bool Tune>
-void evaluate_threats(EvalState& st, int s)
+template <bool Tune, int s>
+void evaluate_threats(EvalState& st)
 {
     const Position* pos = st.pos;
     int e = s ^ 1;
@@ -582,11 +602,22 @@ int contempt_adjustment(const Position* pos)
 template <bool Tune>
 int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trace, int16_t* threats)
 {
+    // Every field the terms accumulate into starts at zero; the snapshots are
+    // written only for the breakdown display.
     EvalState st;
-    std::memset(&st, 0, sizeof st);
     st.pos = pos;
     st.caches = c;
     st.occ = occupancy(pos);
+    st.tracing = trace != 0;
+    st.acc[0] = st.acc[1] = 0;
+    st.hung = 0;
+    for (int s = 0; s < 2; s++) {
+        st.passed[s] = 0;
+        st.tally[s] = 0;
+        st.threat[s] = 0;
+        for (int type = 0; type < 7; type++)
+            st.by_type[s][type] = 0;
+    }
 
     double sum = double(pos->phase_material[WHITE] + pos->phase_material[BLACK]);
     double x = 0.016 * sum;
@@ -622,26 +653,26 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
 
     evaluate_pawns<Tune>(st, c, ply);
     snapshot(st, 0);
-    for (int s = 0; s < 2; s++)
-        evaluate_pieces<Tune, KNIGHT>(st, s);
+    evaluate_pieces<Tune, KNIGHT, WHITE>(st);
+    evaluate_pieces<Tune, KNIGHT, BLACK>(st);
     snapshot(st, 1);
-    for (int s = 0; s < 2; s++)
-        evaluate_pieces<Tune, BISHOP>(st, s);
+    evaluate_pieces<Tune, BISHOP, WHITE>(st);
+    evaluate_pieces<Tune, BISHOP, BLACK>(st);
     snapshot(st, 2);
-    for (int s = 0; s < 2; s++)
-        evaluate_pieces<Tune, ROOK>(st, s);
+    evaluate_pieces<Tune, ROOK, WHITE>(st);
+    evaluate_pieces<Tune, ROOK, BLACK>(st);
     snapshot(st, 3);
-    for (int s = 0; s < 2; s++)
-        evaluate_pieces<Tune, QUEEN>(st, s);
+    evaluate_pieces<Tune, QUEEN, WHITE>(st);
+    evaluate_pieces<Tune, QUEEN, BLACK>(st);
     snapshot(st, 4);
-    for (int s = 0; s < 2; s++)
-        evaluate_king<Tune>(st, s);
+    evaluate_king<Tune, WHITE>(st);
+    evaluate_king<Tune, BLACK>(st);
     snapshot(st, 5);
-    for (int s = 0; s < 2; s++)
-        evaluate_passers<Tune>(st, s);
+    evaluate_passers<Tune, WHITE>(st);
+    evaluate_passers<Tune, BLACK>(st);
     snapshot(st, 6);
-    for (int s = 0; s < 2; s++)
-        evaluate_threats<Tune>(st, s);
+    evaluate_threats<Tune, WHITE>(st);
+    evaluate_threats<Tune, BLACK>(st);
     evaluate_rest<Tune>(st, stm);
     snapshot(st, 7);
 
