@@ -229,6 +229,11 @@ void perft_of_game(int depth)
 // over tune.epd that only reads it. "tune FILE RATE POSITIONS" trains.
 void tune_command(const Words& w)
 {
+    // Training rewrites the evaluation's rows and works on the main worker's
+    // record, both of which a search thinking about an engine move is using:
+    // the engine stops first, and self-play ends with it.
+    limits.self_play = limits.play_once = false;
+    stop_and_wait(STOP_SILENT);
     SearchThread* t = worker(0);
     if (!t)
         return;

@@ -92,6 +92,28 @@ TEST(Console, PerftDuringAnEngineMoveLeavesTheSearchAlone)
     EXPECT_EQ(e.quit(), 0);
 }
 
+TEST(Console, TrainingDuringSelfPlayStopsTheEngineFirst)
+{
+    // Training rewrites the evaluation on the main worker's record; while
+    // the engine played itself, both threads moved men on one position and
+    // the consistency check stopped the program.
+    std::string dir = make_temp_dir();
+    std::string lines;
+    for (int i = 0; i < 200; i++)
+        lines += i % 2 ? "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - bm Bb5; ce 30; gr 1.0;\n"
+                       : "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - bm Nf3; ce 20; gr 0.5;\n";
+    std::ofstream(dir + "/few.epd") << lines;
+    EngineProcess e({"-c"}, dir);
+    e.send_line("depth 30");
+    e.send_line("self");
+    EXPECT_NE(e.wait_for("01] 0", 20000), "");
+    for (int i = 0; i < 3; i++) {
+        e.send_line("tune few.epd 0.01 200");
+        EXPECT_NE(e.wait_for("done!", 60000), "");
+    }
+    EXPECT_EQ(e.quit(), 0);
+}
+
 TEST(Console, AMoveTypedWhileTheEngineThinksWins)
 {
     // The engine's answer belongs to the position it searched; once the
