@@ -2,6 +2,7 @@
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "output/output.h"
+#include "support/long_way_move_reader.h"
 #include "support/test_positions.h"
 
 #include <algorithm>
@@ -110,46 +111,6 @@ TEST(Notation, CoordinateTextByDialect)
     protocol_mode = saved;
 }
 
-namespace
-{
-
-// The parser's answer worked out the long way: every legal move writes its
-// four texts and each is compared with the input in the parser's form.
-// Returns the number of moves that match and the last of them.
-int matches_the_long_way(const Position* pos, const char* text, Move* found)
-{
-    std::string input(text, std::min<size_t>(std::strlen(text), MOVE_TEXT_SIZE * 2 - 3));
-    input = input.substr(0, input.find('+'));
-    if (input.empty())
-        return 0;
-    char last = char(std::toupper(input.back()));
-    if (last == 'B' || last == 'N' || last == 'Q' || last == 'R') {
-        if (input.size() >= 2 && input[input.size() - 2] == '=')
-            input.back() = last;
-        else
-            input.back() = '=', input += last;
-    }
-    for (char& c : input)
-        if (c == 'O' || c == '0')
-            c = 'o';
-    MoveEntry list[MAX_MOVES];
-    int n = gen_legal(pos, list), matches = 0;
-    for (int i = 0; i < n; i++) {
-        char forms[4][MOVE_TEXT_SIZE];
-        move_texts(pos, list[i].move, forms[0], forms[1], forms[2], forms[3]);
-        for (char* form : forms) {
-            std::string f(form);
-            if (f.substr(0, f.find('+')) == input) {
-                matches++;
-                *found = list[i].move;
-                break;
-            }
-        }
-    }
-    return matches;
-}
-
-} // namespace
 
 // The parser skips the texts of moves that cannot match; it must still
 // agree with writing out every text, on every form of every move and on
