@@ -261,6 +261,10 @@ void freeze_command(const char* word, const char* pattern)
 
 void start_engine_move(bool continuous)
 {
+    // A search still thinking about an earlier request ends first, as a new
+    // go ends one: started over it, the new root replaced the old one under
+    // the running threads, and their move was then played on the new board.
+    stop_and_wait(STOP_SILENT);
     limits.self_play = continuous;
     limits.play_once = !continuous;
     limits.infinite = false;

@@ -114,6 +114,25 @@ TEST(Console, TrainingDuringSelfPlayStopsTheEngineFirst)
     EXPECT_EQ(e.quit(), 0);
 }
 
+TEST(Console, AnEngineMoveAskedForWhileTheEngineThinksAnswersTheNewBoard)
+{
+    // The search still thinking ends first; the new request searches and
+    // plays on the board as it is now, not the old search's move.
+    std::string dir = make_temp_dir();
+    std::ofstream(dir + "/one.epd") << "4k3/8/8/8/8/8/8/4K2R w K - id rook;\n";
+    EngineProcess e({"-c"}, dir);
+    e.send_line("depth 30");
+    e.send_line("move");
+    EXPECT_NE(e.wait_for("01] 0", 20000), "");
+    e.send_line("depth 4");
+    e.send_line("load one.epd rook");
+    e.send_line("move");
+    std::string played = e.wait_for("1. move ", 30000);
+    EXPECT_NE(played, "");
+    EXPECT_EQ(played.find("move e4"), std::string::npos) << played; // a startpos answer
+    EXPECT_EQ(e.quit(), 0);
+}
+
 TEST(Console, AMoveTypedWhileTheEngineThinksWins)
 {
     // The engine's answer belongs to the position it searched; once the
