@@ -6,6 +6,7 @@
 #include "book/book_entry.h"
 #include "book/book_key.h"
 #include "support/engine_process.h"
+#include "support/game_and_dir_fixture.h"
 #include "support/reference_book_builder.h"
 #include "support/test_positions.h"
 
@@ -40,20 +41,9 @@ std::string games(const std::string& moves, const std::string& result, int count
     return text;
 }
 
-class BookBuilder : public testing::Test
+class BookBuilder : public GameAndDir
 {
   protected:
-    void SetUp() override
-    {
-        game = new_test_game();
-        dir = make_temp_dir();
-    }
-    void TearDown() override
-    {
-        free_test_game(game);
-        std::filesystem::remove_all(dir);
-    }
-
     // Builds a book from `pgn`; returns its bytes and keeps what was printed.
     std::string build(const std::string& pgn)
     {
@@ -94,8 +84,6 @@ class BookBuilder : public testing::Test
         return all;
     }
 
-    Game* game;
-    std::string dir;
     std::string printed;
 };
 

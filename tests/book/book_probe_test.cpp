@@ -6,6 +6,7 @@
 #include "book/book_probe.h"
 #include "output/output.h"
 #include "support/engine_process.h"
+#include "support/game_and_dir_fixture.h"
 #include "support/test_positions.h"
 
 #include <cstdio>
@@ -59,27 +60,15 @@ std::string coord(Move m)
     return std::string(SQUARE_NAMES[move_from(m)]) + SQUARE_NAMES[move_to(m)];
 }
 
-class BookFiles : public testing::Test
+class BookFiles : public GameAndDir
 {
   protected:
-    void SetUp() override
-    {
-        game = new_test_game();
-        dir = make_temp_dir();
-    }
-    void TearDown() override
-    {
-        free_test_game(game);
-        std::filesystem::remove_all(dir);
-    }
     void play(const char* text)
     {
         Move m;
         ASSERT_TRUE(parse_move(&game->pos, text, &m)) << text;
         make_move(&game->pos, m);
     }
-    Game* game;
-    std::string dir;
 };
 
 } // namespace
