@@ -37,7 +37,6 @@ HashSlot key_hash[1 << HASH_BITS][HASH_SLOTS];
 std::mutex tb_mutex;
 
 constexpr char LETTERS[] = "QRBNP"; // strongest first, as the files are named
-constexpr int LETTER_CODE[5] = {5, 4, 3, 2, 1};
 
 inline unsigned hash_index(uint64_t key)
 {
