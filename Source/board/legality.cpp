@@ -46,20 +46,32 @@ int is_legal(const Position* pos, int side, Move move)
     return !attacked_after(pos, target, them, removed, occ);
 }
 
+namespace
+{
+
+// Men of `side` that stand alone between an enemy slider and their king.
+Bitboard pinned_men(const Position* pos, int side, int ksq, Bitboard occ)
+{
+    const Bitboard* p = pos->pieces[side ^ 1];
+    Bitboard snipers = ((p[BISHOP] | p[QUEEN]) & BISHOP_RAYS[ksq]) | ((p[ROOK] | p[QUEEN]) & ROOK_RAYS[ksq]);
+    Bitboard pinned = 0;
+    while (snipers) {
+        Bitboard b = BETWEEN[pop_lsb(snipers)][ksq] & occ;
+        if (b && !(b & (b - 1)) && (b & pos->pieces[side][0]))
+            pinned |= b;
+    }
+    return pinned;
+}
+
+} // namespace
+
 PinInfo pin_info(const Position* pos, int side)
 {
     PinInfo info;
     int ksq = pos->king_square[side];
-    int them = side ^ 1;
-    const Bitboard* p = pos->pieces[them];
+    const Bitboard* p = pos->pieces[side ^ 1];
     Bitboard occ = occupancy(pos);
-    Bitboard snipers = ((p[BISHOP] | p[QUEEN]) & BISHOP_RAYS[ksq]) | ((p[ROOK] | p[QUEEN]) & ROOK_RAYS[ksq]);
-    info.pinned = 0;
-    while (snipers) {
-        Bitboard b = BETWEEN[pop_lsb(snipers)][ksq] & occ;
-        if (b && !(b & (b - 1)) && (b & pos->pieces[side][0]))
-            info.pinned |= b;
-    }
+    info.pinned = pinned_men(pos, side, ksq, occ);
     info.king_square = uint8_t(ksq);
     Bitboard checkers = (p[PAWN] & PAWN_ATTACKS[side][ksq]) | (p[KNIGHT] & KNIGHT_ATTACKS[ksq])
                         | ((p[BISHOP] | p[QUEEN]) & bishop_attacks(ksq, occ))
@@ -68,6 +80,19 @@ PinInfo pin_info(const Position* pos, int side)
     info.in_check = checkers != 0;
     info.checker = uint8_t(checkers ? lsb(checkers) : NO_SQUARE);
     info.careful = checkers ? ~0ULL : info.pinned | bit(ksq);
+    return info;
+}
+
+PinInfo pin_info_unchecked(const Position* pos, int side)
+{
+    PinInfo info;
+    int ksq = pos->king_square[side];
+    info.pinned = pinned_men(pos, side, ksq, occupancy(pos));
+    info.king_square = uint8_t(ksq);
+    info.checkers = 0;
+    info.in_check = 0;
+    info.checker = NO_SQUARE;
+    info.careful = info.pinned | bit(ksq);
     return info;
 }
 

@@ -21,6 +21,9 @@ struct PinInfo {
 
 PinInfo pin_info(const Position* pos, int side);
 
+// The same for a side known not to be in check: the checkers are not looked for.
+PinInfo pin_info_unchecked(const Position* pos, int side);
+
 // The closer look of is_legal_fast, for a move from a careful square or onto
 // the en-passant square.
 int is_legal_careful(const Position* pos, int side, Move move, const PinInfo& info);

@@ -54,14 +54,28 @@ inline void lift(Position* pos, int sq)
     pos->material_signature[side] -= SIGNATURE_STEP[type];
 }
 
-} // namespace
-
-void place_piece(Position* pos, int code, int sq)
+inline void place_keyed(Position* pos, int code, int sq)
 {
     put_back(pos, code, sq);
     pos->key ^= piece_key(code, sq);
     if (piece_type(code) == PAWN)
         pos->pawn_key ^= piece_key(code, sq);
+}
+
+inline void remove_keyed(Position* pos, int sq)
+{
+    int code = pos->board[sq];
+    lift(pos, sq);
+    pos->key ^= piece_key(code, sq);
+    if (piece_type(code) == PAWN)
+        pos->pawn_key ^= piece_key(code, sq);
+}
+
+} // namespace
+
+void place_piece(Position* pos, int code, int sq)
+{
+    place_keyed(pos, code, sq);
 }
 
 void place_piece_keyless(Position* pos, int code, int sq)
@@ -71,26 +85,7 @@ void place_piece_keyless(Position* pos, int code, int sq)
 
 void remove_piece(Position* pos, int sq)
 {
-    int code = pos->board[sq];
-    lift(pos, sq);
-    pos->key ^= piece_key(code, sq);
-    if (piece_type(code) == PAWN)
-        pos->pawn_key ^= piece_key(code, sq);
-}
-
-uint64_t key_after(const Position* pos, Move move)
-{
-    int from = move_from(move), to = move_to(move);
-    int piece = pos->board[from], captured = pos->board[to];
-    uint64_t k = pos->key ^ piece_key(piece, from) ^ piece_key(piece, to);
-    if (captured)
-        k ^= piece_key(captured, to);
-    if (pos->ep_square != NO_SQUARE)
-        k ^= ZOBRIST[pos->ep_square];
-    int castling = pos->castling & ~(CASTLE_MASK[from] | CASTLE_MASK[to]);
-    if (castling != pos->castling)
-        k ^= ZOBRIST[pos->castling] ^ ZOBRIST[castling];
-    return (k & ~1ULL) + (pos->side ^ 1);
+    remove_keyed(pos, sq);
 }
 
 void make_move(Position* pos, Move move)
@@ -124,7 +119,7 @@ void make_move(Position* pos, Move move)
         pos->key ^= ZOBRIST[old_castling] ^ ZOBRIST[pos->castling];
 
     if (pos->board[to]) {
-        remove_piece(pos, to);
+        remove_keyed(pos, to);
         pos->fifty = 0;
     }
     shift_piece(pos, piece, from, to);
@@ -137,10 +132,10 @@ void make_move(Position* pos, Move move)
             pos->ep_square = uint8_t(from + step);
             pos->key ^= ZOBRIST[from + step];
         } else if (to == old_ep) {
-            remove_piece(pos, to - step);
+            remove_keyed(pos, to - step);
         } else if (is_promotion(move)) {
-            remove_piece(pos, to);
-            place_piece(pos, piece_code(promotion_type(move), s), to);
+            remove_keyed(pos, to);
+            place_keyed(pos, piece_code(promotion_type(move), s), to);
         }
     } else if (type == KING) {
         int rook = piece_code(ROOK, s);

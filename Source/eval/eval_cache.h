@@ -43,3 +43,25 @@ struct EvalCaches {
 
 // Zeroes both caches.
 void clear_eval_caches(EvalCaches* caches);
+
+// The pawn cache's key: the pawn key folded with the kings' wings, since the
+// cached pawn scores depend on where both kings stand.
+inline uint64_t pawn_cache_key(uint64_t pawn_key, int white_king, int black_king)
+{
+    if ((white_king & 7) < 4)
+        pawn_key ^= 0x5555555555555555ULL;
+    if ((black_king & 7) < 4)
+        pawn_key ^= 0xAAAAAAAAAAAAAAAAULL;
+    return pawn_key;
+}
+
+// Hints the cache entries of a position into the processor's cache ahead of
+// its evaluation (the caches are larger than the fast levels).
+inline void prefetch_eval_entry(const EvalCaches* c, uint64_t key)
+{
+    __builtin_prefetch(&c->eval_hash[key & (EVAL_HASH_SIZE - 1)]);
+}
+inline void prefetch_pawn_entry(const EvalCaches* c, uint64_t pawn_cache_key)
+{
+    __builtin_prefetch(&c->pawn_hash[pawn_cache_key & (PAWN_HASH_SIZE - 1)]);
+}

@@ -61,12 +61,7 @@ inline int relative_rank(int side, int sq)
 // Wing-folded pawn hash key: pawn scores depend on where both kings stand.
 inline uint64_t pawn_hash_key(const Position* pos)
 {
-    uint64_t k = pos->pawn_key;
-    if (file_of(pos->king_square[WHITE]) < 4)
-        k ^= 0x5555555555555555ULL;
-    if (file_of(pos->king_square[BLACK]) < 4)
-        k ^= 0xAAAAAAAAAAAAAAAAULL;
-    return k;
+    return pawn_cache_key(pos->pawn_key, pos->king_square[WHITE], pos->king_square[BLACK]);
 }
 
 struct EvalState {
@@ -120,6 +115,30 @@ inline void add_scaled(EvalState& st, int side, int row, Score value, float fact
     if constexpr (Tune)
         record_coefficient(st, row, side == WHITE ? factor : -factor);
 }
+
+// One side's running account within a group of terms, kept apart from the
+// record so that it can live in a register; while tuning it also records
+// each row's coefficient, in the order the terms come.
+template <bool Tune, int Side>
+struct Account {
+    EvalState& st;
+    Score sum;
+
+    void add(int row, int count = 1)
+    {
+        sum += count * param_score[row];
+        if constexpr (Tune)
+            record_coefficient(st, row, float(Side == WHITE ? count : -count));
+    }
+    void add_scaled(int row, Score value, float factor)
+    {
+        sum += value;
+        if constexpr (Tune)
+            record_coefficient(st, row, Side == WHITE ? factor : -factor);
+    }
+    // Books the account into the side's total.
+    void close() { st.acc[Side] += sum; }
+};
 
 inline int pst_row(const EvalState& st, int table, int side, int sq)
 {
@@ -201,80 +220,93 @@ void evaluate_pawns(EvalState& st, EvalCaches* c, int ply)
 
 // --- pieces -----------------------------------------------------------------
 
-inline void note_attacks(EvalState& st, int s, int type, Bitboard att)
-{
-    st.attacked2[s] |= st.attacked[s] & att;
-    st.attacked[s] |= att;
-    st.by_type[s][type] |= att;
-}
-
 template <bool Tune, int Type, int s>
 void evaluate_pieces(EvalState& st)
 {
     const Position* pos = st.pos;
-    int e = s ^ 1;
+    constexpr int e = s ^ 1;
     Bitboard men = pos->pieces[s][Type];
-    int mtl_row = Type == KNIGHT ? MTL_KNIGHT : Type == BISHOP ? MTL_BISHOP : Type == ROOK ? MTL_ROOK : MTL_QUEEN;
-    add<Tune>(st, s, mtl_row, popcount(men));
+    Account<Tune, s> a{st, 0};
+    constexpr int mtl_row = Type == KNIGHT   ? MTL_KNIGHT
+                            : Type == BISHOP ? MTL_BISHOP
+                            : Type == ROOK   ? MTL_ROOK
+                                             : MTL_QUEEN;
+    a.add(mtl_row, popcount(men));
+    if (!men) {
+        a.close();
+        return;
+    }
     int table = Type == KNIGHT   ? piece_table(st, PST_N1)
                 : Type == BISHOP ? piece_table(st, PST_B1)
                 : Type == ROOK   ? piece_table(st, PST_R1)
                                  : piece_table(st, PST_Q1);
+    const int flip = st.flip[s];
+    const Bitboard occ = st.occ, reachable = ~st.exclusion[s], enemy_zone = st.king_zone[e];
+    // The attack sets this kind adds, gathered here and booked at the end.
+    Bitboard attacked = st.attacked[s], attacked2 = st.attacked2[s], by_kind = st.by_type[s][Type];
+    int tally = 0;
     while (men) {
         int sq = pop_lsb(men);
-        add<Tune>(st, s, pst_row(st, table, s, sq));
+        a.add(table + (sq ^ flip));
         Bitboard att = Type == KNIGHT   ? KNIGHT_ATTACKS[sq]
-                       : Type == BISHOP ? bishop_attacks(sq, st.occ)
-                       : Type == ROOK   ? rook_attacks(sq, st.occ)
-                                        : queen_attacks(sq, st.occ);
-        note_attacks(st, s, Type, att);
-        int n = popcount(att & ~st.exclusion[s]);
+                       : Type == BISHOP ? bishop_attacks(sq, occ)
+                       : Type == ROOK   ? rook_attacks(sq, occ)
+                                        : queen_attacks(sq, occ);
+        attacked2 |= attacked & att;
+        attacked |= att;
+        by_kind |= att;
+        int n = popcount(att & reachable);
         if constexpr (Type == KNIGHT)
-            add_scaled<Tune>(st, s, KNIGHT_MOBILITY, derived.knight_mobility[n], KNIGHT_CURVE[n]);
+            a.add_scaled(KNIGHT_MOBILITY, derived.knight_mobility[n], KNIGHT_CURVE[n]);
         else if constexpr (Type == BISHOP)
-            add_scaled<Tune>(st, s, BISHOP_MOBILITY, derived.bishop_mobility[n], BISHOP_CURVE[n]);
+            a.add_scaled(BISHOP_MOBILITY, derived.bishop_mobility[n], BISHOP_CURVE[n]);
         else if constexpr (Type == ROOK)
-            add_scaled<Tune>(st, s, ROOK_MOBILITY, derived.rook_mobility[n], ROOK_CURVE[n]);
+            a.add_scaled(ROOK_MOBILITY, derived.rook_mobility[n], ROOK_CURVE[n]);
         else
-            add_scaled<Tune>(st, s, QUEEN_MOBILITY, derived.queen_mobility[n], QUEEN_CURVE[n]);
-        if (att & st.king_zone[e])
-            st.tally[e] += ZONE_WEIGHT[Type];
+            a.add_scaled(QUEEN_MOBILITY, derived.queen_mobility[n], QUEEN_CURVE[n]);
+        if (att & enemy_zone)
+            tally += ZONE_WEIGHT[Type];
 
         // Trapped: not a single reachable square.
         if (n == 0) {
-            const int trapped_row = Type == KNIGHT   ? KNIGHT_TRAPPED
-                                    : Type == BISHOP ? BISHOP_TRAPPED
-                                    : Type == ROOK   ? ROOK_TRAPPED
-                                                     : QUEEN_TRAPPED;
-            add<Tune>(st, s, trapped_row);
+            constexpr int trapped_row = Type == KNIGHT   ? KNIGHT_TRAPPED
+                                        : Type == BISHOP ? BISHOP_TRAPPED
+                                        : Type == ROOK   ? ROOK_TRAPPED
+                                                         : QUEEN_TRAPPED;
+            a.add(trapped_row);
             // A minor stuck in the enemy's last two ranks is likely to be lost.
             if ((Type == KNIGHT || Type == BISHOP) && relative_rank(s, sq) >= 6)
                 st.threat[s] += TRAPPED_MINOR_TALLY;
         }
         if constexpr (Type == KNIGHT || Type == BISHOP) {
             if (st.outposts[s] & bit(sq))
-                add<Tune>(st, s, Type == KNIGHT ? KNIGHT_OUTPOST : BISHOP_OUTPOST);
+                a.add(Type == KNIGHT ? KNIGHT_OUTPOST : BISHOP_OUTPOST);
             if (att & st.outposts[s] & ~pos->pieces[s][0])
-                add<Tune>(st, s, Type == KNIGHT ? KNIGHT_OUTPOST_ATK : BISHOP_OUTPOST_ATK);
+                a.add(Type == KNIGHT ? KNIGHT_OUTPOST_ATK : BISHOP_OUTPOST_ATK);
         }
         if constexpr (Type == BISHOP)
-            add<Tune>(st, s, BISHOP_MOB2, popcount(att & CENTER_BLOCK));
+            a.add(BISHOP_MOB2, popcount(att & CENTER_BLOCK));
         if constexpr (Type == ROOK) {
-            Bitboard enemy_half = s == WHITE ? 0xFFFFFFFF00000000ULL : 0x00000000FFFFFFFFULL;
+            constexpr Bitboard enemy_half = s == WHITE ? 0xFFFFFFFF00000000ULL : 0x00000000FFFFFFFFULL;
             Bitboard file = file_mask(file_of(sq));
-            add<Tune>(st, s, ROOK_MOB2, popcount(att & file & enemy_half));
+            a.add(ROOK_MOB2, popcount(att & file & enemy_half));
             // Open for the rook: no pawn of its own side on the file.
             if (!(pos->pieces[s][PAWN] & file))
-                add<Tune>(st, s, ROOK_OPENFILE);
+                a.add(ROOK_OPENFILE);
             // On the seventh with enemy pawns there, or the enemy king on its last two ranks.
             if (relative_rank(s, sq) == 6) {
-                Bitboard seventh = RANK_MASK(s == WHITE ? 6 : 1);
-                Bitboard last_two = seventh | RANK_MASK(s == WHITE ? 7 : 0);
+                constexpr Bitboard seventh = RANK_MASK(s == WHITE ? 6 : 1);
+                constexpr Bitboard last_two = seventh | RANK_MASK(s == WHITE ? 7 : 0);
                 if ((pos->pieces[e][PAWN] & seventh) || (pos->pieces[e][KING] & last_two))
-                    add<Tune>(st, s, ROOK_7TH);
+                    a.add(ROOK_7TH);
             }
         }
     }
+    st.attacked[s] = attacked;
+    st.attacked2[s] = attacked2;
+    st.by_type[s][Type] = by_kind;
+    st.tally[e] += tally;
+    a.close();
 }
 
 // --- king safety ------------------------------------------------------------
@@ -283,9 +315,10 @@ template <bool Tune, int s>
 void evaluate_king(EvalState& st)
 {
     const Position* pos = st.pos;
+    Account<Tune, s> a{st, 0};
     int e = s ^ 1;
     int k = pos->king_square[s];
-    add<Tune>(st, s, pst_row(st, PST_K, s, k));
+    a.add(pst_row(st, PST_K, s, k));
 
     if (pos->phase_material[e] > 8) {
         // Shield: a square of the king's shelter counts when an own pawn
@@ -296,7 +329,7 @@ void evaluate_king(EvalState& st)
         if (shield > 9)
             shield = 9;
         float shield_factor = float(shield - 9) * 0.111f;
-        add_scaled<Tune>(st, s, PAWN_SHIELD, derived.shield[shield], shield_factor);
+        a.add_scaled(PAWN_SHIELD, derived.shield[shield], shield_factor);
 
         int danger = st.tally[s] - (shield < 8 ? shield : 8);
         Bitboard defended = st.attacked[s] & ~(st.by_type[s][KING] & ~st.attacked2[s]);
@@ -318,7 +351,7 @@ void evaluate_king(EvalState& st)
             safe_checks += n;
             danger += CHECK_WEIGHT[type] * n;
         }
-        add<Tune>(st, s, ENEMY_CHECKS, safe_checks);
+        a.add(ENEMY_CHECKS, safe_checks);
         // Contact checks by the queen next to the king, supported, and held by nothing but the king.
         Bitboard contact = KING_ATTACKS[k] & st.by_type[e][QUEEN] & st.attacked2[e] & ~pos->pieces[e][0] & ~defended;
         if (contact) {
@@ -329,13 +362,13 @@ void evaluate_king(EvalState& st)
             int d = danger < MAX_DANGER ? danger : MAX_DANGER;
             float f = float(d) * 0.0018f * float(d);
             bool queen = pos->pieces[e][QUEEN] != 0;
-            add_scaled<Tune>(st, s, queen ? KING_DANGER1 : KING_DANGER2, derived.king_danger[queen ? 0 : 1][d], f);
+            a.add_scaled(queen ? KING_DANGER1 : KING_DANGER2, derived.king_danger[queen ? 0 : 1][d], f);
         }
     }
 
     // Trapped king: no neighbour square that is free of own men and unattacked.
     if (!(KING_ATTACKS[k] & ~pos->pieces[s][0] & ~st.attacked[e]))
-        add<Tune>(st, s, KING_TRAPPED);
+        a.add(KING_TRAPPED);
 
     Bitboard pawns = all_pawns(pos);
     if (pawns) {
@@ -347,8 +380,9 @@ void evaluate_king(EvalState& st)
             steps++;
         }
         if (steps)
-            add<Tune>(st, s, KING_PAWN_PROX, steps);
+            a.add(KING_PAWN_PROX, steps);
     }
+    a.close();
 }
 
 // --- passed pawns -----------------------------------------------------------
@@ -357,6 +391,7 @@ template <bool Tune, int s>
 void evaluate_passers(EvalState& st)
 {
     const Position* pos = st.pos;
+    Account<Tune, s> a{st, 0};
     int e = s ^ 1;
     Bitboard own = pos->pieces[s][PAWN], enemy = pos->pieces[e][PAWN];
     Bitboard defended = pawn_attacks_of(s, own);
@@ -372,7 +407,7 @@ void evaluate_passers(EvalState& st)
                 int guards = popcount(enemy & passed_span(s, sq) & adjacent_files(sq));
                 int helpers = popcount(own & support_span(s, sq));
                 if (helpers >= guards)
-                    add<Tune>(st, s, CANDIDATE_PASSER);
+                    a.add(CANDIDATE_PASSER);
             }
             continue;
         }
@@ -382,22 +417,23 @@ void evaluate_passers(EvalState& st)
         // Passed: no enemy pawn ahead on its own or the adjacent files. Mobile:
         // its stop square is empty. Free: the whole path to promotion is
         // empty and unwatched by the enemy.
-        add<Tune>(st, s, PPAWN + r);
+        a.add(PPAWN + r);
         int stop = sq + PAWN_STEP[s];
         if (!(st.occ & bit(stop)))
-            add<Tune>(st, s, PPAWN_MOBILE + r);
+            a.add(PPAWN_MOBILE + r);
         Bitboard path = forward_file(s, sq);
         if (!(path & st.occ) && !(path & st.attacked[e]))
-            add<Tune>(st, s, PPAWN_FREE + r);
+            a.add(PPAWN_FREE + r);
         int own_dist = distance(pos->king_square[s], stop);
         int enemy_dist = distance(pos->king_square[e], stop);
-        add_scaled<Tune>(st, s, PPAWN_FKING_DIST, derived.passer_own_king[r][own_dist],
+        a.add_scaled(PPAWN_FKING_DIST, derived.passer_own_king[r][own_dist],
                          float(own_dist) * PASSER_KING_WEIGHT[r]);
-        add_scaled<Tune>(st, s, PPAWN_EKING_DIST, derived.passer_enemy_king[r][enemy_dist],
+        a.add_scaled(PPAWN_EKING_DIST, derived.passer_enemy_king[r][enemy_dist],
                          float(enemy_dist) * PASSER_KING_WEIGHT[r]);
         if ((defended & bit(sq)) || (own & adjacent_files(sq) & RANK_MASK(rank_of(sq))))
-            add<Tune>(st, s, PPAWN_CONNECTED);
+            a.add(PPAWN_CONNECTED);
     }
+    a.close();
 }
 
 // --- threats ----------------------------------------------------------------
@@ -406,23 +442,24 @@ template <bool Tune, int s>
 void evaluate_threats(EvalState& st)
 {
     const Position* pos = st.pos;
+    Account<Tune, s> a{st, 0};
     int e = s ^ 1;
     const Bitboard* p = pos->pieces[s];
     Bitboard minors = p[KNIGHT] | p[BISHOP], majors = p[ROOK] | p[QUEEN];
     Bitboard hit = st.attacked[e];
     Bitboard hung = (p[0] & ~p[KING]) & hit & ~st.attacked[s];
     st.hung |= hung;
-    add<Tune>(st, s, HUNG_PAWN, popcount(hung & p[PAWN]));
-    add<Tune>(st, s, HUNG_MINOR, popcount(hung & minors));
-    add<Tune>(st, s, HUNG_MAJOR, popcount(hung & majors));
+    a.add(HUNG_PAWN, popcount(hung & p[PAWN]));
+    a.add(HUNG_MINOR, popcount(hung & minors));
+    a.add(HUNG_MAJOR, popcount(hung & majors));
 
     // Defended men under attack; pieces only when the attacker is worth less.
     Bitboard by_pawn = st.by_type[e][PAWN];
     Bitboard by_minor = st.by_type[e][KNIGHT] | st.by_type[e][BISHOP];
-    add<Tune>(st, s, ATTACKED_PAWN, popcount(p[PAWN] & hit & ~hung));
-    add<Tune>(st, s, ATTACKED_MINOR, popcount(minors & by_pawn & ~hung));
+    a.add(ATTACKED_PAWN, popcount(p[PAWN] & hit & ~hung));
+    a.add(ATTACKED_MINOR, popcount(minors & by_pawn & ~hung));
     Bitboard major_threats = (p[ROOK] & (by_pawn | by_minor)) | (p[QUEEN] & (by_pawn | by_minor | st.by_type[e][ROOK]));
-    add<Tune>(st, s, ATTACKED_MAJOR, popcount(major_threats & ~hung));
+    a.add(ATTACKED_MAJOR, popcount(major_threats & ~hung));
 
     // Enemy pawn pushes onto squares they can hold that would hit a piece.
     Bitboard empty = ~st.occ;
@@ -430,7 +467,7 @@ void evaluate_threats(EvalState& st)
     Bitboard start_rank = RANK_MASK(e == WHITE ? 2 : 5);
     pushes |= shift_forward(e, pushes & start_rank) & empty;
     pushes &= st.attacked[e] | ~st.attacked[s];
-    add<Tune>(st, s, PPUSH_THREAT, popcount(pawn_attacks_of(e, pushes) & (minors | majors)));
+    a.add(PPUSH_THREAT, popcount(pawn_attacks_of(e, pushes) & (minors | majors)));
 
     // Men pinned against their king; a pinned piece without a pawn's support is in trouble.
     int k = pos->king_square[s];
@@ -442,8 +479,9 @@ void evaluate_threats(EvalState& st)
         if (between && !(between & (between - 1)) && (between & p[0]))
             pinned |= between;
     }
-    add<Tune>(st, s, PINNED_PAWN, popcount(pinned & p[PAWN]));
-    add<Tune>(st, s, PINNED_PIECE, popcount(pinned & (minors | majors) & ~st.by_type[s][PAWN]));
+    a.add(PINNED_PAWN, popcount(pinned & p[PAWN]));
+    a.add(PINNED_PIECE, popcount(pinned & (minors | majors) & ~st.by_type[s][PAWN]));
+    a.close();
 }
 
 // --- the rest ---------------------------------------------------------------
@@ -497,6 +535,10 @@ bool minor_draw_side(uint32_t sig)
 bool special_ending(const Position* pos, int stm, int* score)
 {
     const uint32_t* sig = pos->material_signature;
+    // Every special ending has a side with nothing but its king, or no pawn,
+    // rook or queen on the board at all.
+    if (sig[WHITE] && sig[BLACK] && ((sig[WHITE] | sig[BLACK]) & 0xFF00F))
+        return false;
     if (minor_draw_side(sig[WHITE]) && minor_draw_side(sig[BLACK])) {
         *score = 0;
         return true;
@@ -534,6 +576,14 @@ bool special_ending(const Position* pos, int stm, int* score)
 }
 
 // --- scale factor -----------------------------------------------------------
+
+// Whether the scale factor can differ from 1: only with little material,
+// about even between the sides.
+inline bool may_scale(const Position* pos)
+{
+    int w = pos->phase_material[WHITE], b = pos->phase_material[BLACK];
+    return w <= 10 && b <= 10 && w - b <= 3 && b - w <= 3;
+}
 
 float scale_factor(const EvalState& st, int white_score)
 {
@@ -679,8 +729,8 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
     Score d = st.acc[WHITE] - st.acc[BLACK];
     double tapered = std::fma(phase, double(endgame_of(d)), (1.0 - phase) * double(opening_of(d)));
     int score = int(tapered);
-    int white_score = score + contempt_adjustment(pos);
-    float sf = scale_factor(st, white_score);
+    int white_score = eval_options.contempt ? score + contempt_adjustment(pos) : score;
+    float sf = may_scale(pos) ? scale_factor(st, white_score) : 1.0f;
     int final_score = int(float(white_score) * sf);
     if (stm == BLACK)
         final_score = -final_score;

@@ -1,10 +1,12 @@
 #include "search/movepick.h"
 
+#include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/see.h"
 #include "search/history.h"
 #include "search/search_thread.h"
 #include "search/search_values.h"
+#include "search/tt.h"
 
 namespace
 {
@@ -38,11 +40,15 @@ inline void set_stage(PlyInfo& pi, int stage)
 MoveEntry* select_best(PlyInfo& pi)
 {
     MoveEntry* best = pi.next;
-    if (best == pi.list_end)
+    MoveEntry* end = pi.list_end;
+    if (best == end)
         return nullptr;
-    for (MoveEntry* e = best + 1; e != pi.list_end; e++)
-        if (e->score > best->score)
+    int best_score = best->score;
+    for (MoveEntry* e = best + 1; e != end; e++)
+        if (e->score > best_score) {
+            best_score = e->score;
             best = e;
+        }
     MoveEntry chosen = *best;
     *best = *pi.next;
     *pi.next = chosen;
@@ -59,7 +65,11 @@ void score_captures(SearchThread* t, PlyInfo& pi, MoveEntry* begin, MoveEntry* e
             e->score = int16_t(MVV[captured] - mover);
             continue;
         }
-        int s = swap(pos, pos->side, move_from(e->move), move_to(e->move));
+        // The capture can lose at most the capturing man: when even that
+        // leaves 50 or more, every threshold below is passed without the
+        // exchange sequence.
+        int floor = SEE_VALUE[captured] - SEE_VALUE[mover];
+        int s = floor >= 50 ? floor : swap(pos, pos->side, move_from(e->move), move_to(e->move));
         if (s < -49)
             e->score = int16_t(captured + 4);
         else if (e->move & (PROMO_KNIGHT | PROMO_BISHOP | PROMO_ROOK))
@@ -67,6 +77,18 @@ void score_captures(SearchThread* t, PlyInfo& pi, MoveEntry* begin, MoveEntry* e
         else
             e->score = int16_t(MVV[captured] - mover - (s < 50 ? 6 : 0));
     }
+}
+
+// The good captures come next in the main search: their children's table
+// buckets and evaluation entries are asked for at once.
+void prefetch_good_captures(SearchThread* t, const MoveEntry* begin, const MoveEntry* end)
+{
+    for (const MoveEntry* e = begin; e != end; e++)
+        if (e->score > GOOD_CAPTURE) {
+            uint64_t key = key_after(&t->pos, e->move);
+            tt_prefetch(key);
+            prefetch_eval_entry(&t->eval, key);
+        }
 }
 
 void score_quiets(SearchThread* t, int ply, PlyInfo& pi, MoveEntry* begin, MoveEntry* end)
@@ -149,6 +171,8 @@ MoveEntry* next_move(SearchThread* t, int ply)
             MoveEntry* end = gen_captures(pos, side, pi.list_end, pi.king_square);
             end = gen_promotions(pos, side, pi.pick_stage & PICK_SEE, end);
             score_captures(t, pi, pi.list_end, end);
+            if (pi.pick_stage & PICK_SEE)
+                prefetch_good_captures(t, pi.list_end, end);
             pi.list_end = end;
             set_stage(pi, (pi.pick_stage & PICK_SEE) ? STAGE_GOOD_CAPTURES : STAGE_CAPTURES);
             break;

@@ -2,6 +2,7 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/see.h"
+#include "eval/eval_cache.h"
 #include "search/limits.h"
 #include "search/movepick.h"
 #include "search/search.h"
@@ -44,8 +45,12 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
 
     const MoveEntry* last = t->plies[ply - 1].current_move;
     int last_to = last && last->move ? move_to(last->move) : NO_SQUARE;
-    PinInfo pins = pin_info(pos, side);
-    CheckInfo ci = check_info(pos);
+    // The node is never in check here (the node routine takes checks to the
+    // move loop). Pins and checking squares are gathered only once a move
+    // comes that needs them: many quiescence nodes have none.
+    PinInfo pins;
+    CheckInfo ci;
+    bool facts = false;
     Move child_pv[MAX_PLY + 2];
     child_pv[ply + 1] = 0;
     int result = a;
@@ -59,6 +64,11 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
         // a: recaptures only, deep in the quiescence search.
         if (depth < RECAPTURE_DEPTH && to != last_to)
             continue;
+        if (!facts) {
+            pins = pin_info_unchecked(pos, side);
+            ci = check_info(pos);
+            facts = true;
+        }
         // b-d: the gain to expect.
         int captured = piece_type(m->captured);
         int g = SEE_VALUE[captured]; // the delta test expects the exchange values
@@ -82,7 +92,11 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
             continue;
         // h: search it.
         pi.current_move = m;
-        tt_prefetch(key_after(pos, move));
+        // Children below draft 0 never probe the table; all evaluate.
+        uint64_t child_key = key_after(pos, move);
+        if (depth >= 1)
+            tt_prefetch(child_key);
+        prefetch_eval_entry(&t->eval, child_key);
         trace_move(t, move);
         make_move(pos, move);
         int v = -search_node(t, enemy, ply + 1, depth - 1, -beta, -a, -node_type, child_pv);

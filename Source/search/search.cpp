@@ -7,6 +7,7 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/see.h"
+#include "eval/eval_cache.h"
 #include "eval/eval_terms.h"
 #include "eval/evaluate.h"
 #include "search/clock.h"
@@ -176,9 +177,11 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     if (alpha >= beta)
         return alpha;
 
-    // Step 5: the table bucket is needed soon.
+    // Step 5: the table bucket is needed soon, and so is the pawn cache's
+    // entry (the evaluation cache's was asked for by the parent).
     if (depth >= 0)
         tt_prefetch(pos->key);
+    prefetch_pawn_entry(&t->eval, pawn_cache_key(pos->pawn_key, pos->king_square[WHITE], pos->king_square[BLACK]));
 
     // Step 6: this ply's record.
     pi.node_type = int16_t(node_type);
@@ -222,6 +225,13 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
         if (entry.depth >= -9) {
             t->tt_hits++;
             pi.hash_move = entry.move;
+            // The table move is usually searched first: its child's entries
+            // are asked for now, a whole evaluation ahead.
+            if (entry.move) {
+                uint64_t child_key = key_after(pos, entry.move);
+                tt_prefetch(child_key);
+                prefetch_eval_entry(&t->eval, child_key);
+            }
             tt_depth = entry.depth;
             int s = entry.score;
             if (s < -MATE_BOUND)
@@ -366,7 +376,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
 
     Move child_pv[MAX_PLY + 2];
     child_pv[ply + 1] = 0;
-    PinInfo pins = pin_info(pos, side);
+    PinInfo pins = in_check ? pin_info(pos, side) : pin_info_unchecked(pos, side);
     CheckInfo ci = check_info(pos);
     init_picker(t, ply, MODE_SEARCH, in_check ? pi.king_square : NO_SQUARE);
     bool hash_tried = false;
@@ -381,6 +391,11 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
             continue;
         if (move == 0 || !is_legal_fast(pos, side, move, pins))
             continue;
+        // The child's table bucket and evaluation entry are asked for now,
+        // so that the memory works while the move is classed and judged.
+        uint64_t child_key = key_after(pos, move);
+        tt_prefetch(child_key);
+        prefetch_eval_entry(&t->eval, child_key);
 
         // Step 3: class of the move.
         int cls = move_class(t, move, e->piece, e->captured, ci);
@@ -430,7 +445,6 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
 
         // Step 5: search the move.
         pi.current_move = e;
-        tt_prefetch(key_after(pos, move));
         trace_move(t, move);
         make_move(pos, move);
         int v;
@@ -504,7 +518,7 @@ bool probcut(SearchThread* t, int ply, int depth, int beta)
     pi.list_end = end;
     for (MoveEntry* e = list; e != end; e++)
         e->score = int16_t(MVV[piece_type(e->captured)] - piece_type(e->piece));
-    PinInfo pins = pin_info(pos, side);
+    PinInfo pins = pin_info_unchecked(pos, side);
     Move child_pv[MAX_PLY + 2];
     for (MoveEntry* next = list; next != end; next++) {
         MoveEntry* best = next;

@@ -4,6 +4,7 @@
 #include "board/zobrist.h"
 #include "search/search_values.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <sys/mman.h>
@@ -55,8 +56,38 @@ inline uint64_t* entry_words(uint64_t index)
     return tt.words + 2 * index;
 }
 
-// Fresh anonymous pages read as zero and cost memory only once touched; a
-// clear hands whole pages back the same way.
+// Pages in memory are zeroed in place, so that the next search does not pay
+// for faulting them in afresh; pages that are not (never touched, or swapped
+// out) are handed back, after which they read as zero and cost memory only
+// once touched again.
+void zero_pages(char* begin, char* end)
+{
+    const size_t page = 4096;
+    constexpr size_t BATCH = 4096; // pages per residency query
+    unsigned char resident[BATCH];
+    for (char* p = begin; p < end;) {
+        size_t pages = std::min(BATCH, size_t(end - p) / page);
+        if (mincore(p, pages * page, resident) != 0) {
+            if (madvise(p, pages * page, MADV_DONTNEED) != 0)
+                std::memset(p, 0, pages * page);
+            p += pages * page;
+            continue;
+        }
+        for (size_t i = 0; i < pages;) {
+            size_t j = i + 1;
+            bool in_memory = resident[i] & 1;
+            while (j < pages && bool(resident[j] & 1) == in_memory)
+                j++;
+            char* run = p + i * page;
+            size_t bytes = (j - i) * page;
+            if (in_memory || madvise(run, bytes, MADV_DONTNEED) != 0)
+                std::memset(run, 0, bytes);
+            i = j;
+        }
+        p += pages * page;
+    }
+}
+
 void zero_range(uint64_t first, uint64_t count)
 {
     if (!count)
@@ -66,9 +97,10 @@ void zero_range(uint64_t first, uint64_t count)
     const uintptr_t page = 4096;
     char* inner_begin = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(begin) + page - 1) & ~(page - 1));
     char* inner_end = reinterpret_cast<char*>(reinterpret_cast<uintptr_t>(end) & ~(page - 1));
-    if (inner_begin < inner_end && madvise(inner_begin, size_t(inner_end - inner_begin), MADV_DONTNEED) == 0) {
+    if (inner_begin < inner_end) {
         std::memset(begin, 0, size_t(inner_begin - begin));
         std::memset(inner_end, 0, size_t(end - inner_end));
+        zero_pages(inner_begin, inner_end);
     } else {
         std::memset(begin, 0, size_t(end - begin));
     }
@@ -76,11 +108,6 @@ void zero_range(uint64_t first, uint64_t count)
 
 } // namespace
 
-uint64_t tt_bucket_index(uint64_t key)
-{
-    uint64_t i = key & tt.index_mask;
-    return (key & 1) ? tt.entries - i : i;
-}
 
 void tt_free()
 {
@@ -152,11 +179,6 @@ void tt_new_search()
         tt.age = 1;
 }
 
-void tt_prefetch(uint64_t key)
-{
-    if (tt.words && tt.use_hash)
-        __builtin_prefetch(entry_words(tt_bucket_index(key)));
-}
 
 void tt_probe(const Position* pos, TransEntry* result)
 {

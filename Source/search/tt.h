@@ -59,13 +59,25 @@ void tt_store(const Position* pos, int ply, int depth, Move move, int score, int
 // Fraction (0..1) of a 1000-entry sample written in this search.
 double tt_hashfull(int depth);
 
-// Hints the bucket of a key into the cache.
-void tt_prefetch(uint64_t key);
 
 // Advances the age (1..15) before a search.
 void tt_new_search();
 
-// Where the bucket of a key begins (entry index), for tests.
-uint64_t tt_bucket_index(uint64_t key);
+// Where the bucket of a key begins (entry index).
+inline uint64_t tt_bucket_index(uint64_t key)
+{
+    uint64_t i = key & tt.index_mask;
+    return (key & 1) ? tt.entries - i : i;
+}
+
+// Hints the bucket of a key into the cache: both lines when it straddles two.
+inline void tt_prefetch(uint64_t key)
+{
+    if (tt.words && tt.use_hash) {
+        const uint64_t* bucket = tt.words + 2 * tt_bucket_index(key);
+        __builtin_prefetch(bucket);
+        __builtin_prefetch(bucket + 6);
+    }
+}
 
 void tt_free();
