@@ -9,12 +9,35 @@ TSAN := build/tsan
 
 .PHONY: run build test sanitize tsan fuzz bench clean format
 
+# PGO=1 optimises the Release build with a profile of the benchmark's
+# searches and perfts. Off by default: with GCC 12 and link-time optimisation
+# it measured no faster than without (depth-13 nps 0.99x, perft mixed). A
+# failed training run leaves no profile, and the build goes on without it.
+PGO ?= 0
+PGO_BUILD := build/pgo-generate
+PROFILE := $(abspath build/profile)
+PGO_INPUTS := $(shell find Source -name '*.cpp' -o -name '*.h' 2>/dev/null) CMakeLists.txt cmake/train_profile.cmake
+
 build:
-	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF > /dev/null
+ifeq ($(PGO),0)
+	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO= > /dev/null
+else
+	@$(MAKE) --no-print-directory $(PROFILE)/trained || echo "no optimisation profile: building without one"
+	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO_DIR=$(PROFILE) \
+		-DKORVEL_PGO=$$(test -f $(PROFILE)/trained && echo use) > /dev/null
+endif
 	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed epd_score
 
 run: build
 	@./$(RELEASE)/korvel $(ARGS)
+
+$(PROFILE)/trained: $(PGO_INPUTS)
+	@echo "training the optimisation profile (the benchmark's searches and two perfts)"
+	@rm -f $(PROFILE)/trained
+	@$(CMAKE) -S . -B $(PGO_BUILD) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF \
+		-DKORVEL_PGO=generate -DKORVEL_PGO_DIR=$(PROFILE) > /dev/null
+	@$(CMAKE) --build $(PGO_BUILD) -j $(JOBS) --target korvel > /dev/null
+	@$(CMAKE) -DKORVEL=$(PGO_BUILD)/korvel -DPROFILE_DIR=$(PROFILE) -P cmake/train_profile.cmake
 
 test:
 	@$(CMAKE) -S . -B $(TEST) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORVEL_CHECKS=ON > /dev/null
