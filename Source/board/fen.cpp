@@ -11,17 +11,25 @@
 namespace
 {
 
-int piece_from_letter(char c)
-{
-    const char* white = " PNBRQK";
-    const char* black = " pnbrqk";
-    for (int t = PAWN; t <= KING; t++) {
-        if (c == white[t])
-            return piece_code(t, WHITE);
-        if (c == black[t])
-            return piece_code(t, BLACK);
+// Piece code per character, 0 for anything else: the tuner and the EPD
+// tools read millions of positions.
+struct PieceLetters {
+    uint8_t code[256] = {};
+    constexpr PieceLetters()
+    {
+        const char* white = " PNBRQK";
+        const char* black = " pnbrqk";
+        for (int t = PAWN; t <= KING; t++) {
+            code[uint8_t(white[t])] = uint8_t(piece_code(t, WHITE));
+            code[uint8_t(black[t])] = uint8_t(piece_code(t, BLACK));
+        }
     }
-    return 0;
+};
+constexpr PieceLetters PIECE_LETTERS;
+
+inline int piece_from_letter(char c)
+{
+    return PIECE_LETTERS.code[uint8_t(c)];
 }
 
 const char* skip_blanks(const char* p)

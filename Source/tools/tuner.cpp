@@ -44,10 +44,14 @@ void update_row(int row, float err, double learning_rate, double phase)
     p.opening_f -= p.coef * learning_rate * ((1 - phase) * err);
     p.endgame_f -= p.coef * learning_rate * (phase * err);
     p.coef = 0;
+    // The packed value is always the rounding of the working copies, and
+    // most steps move a copy by a fraction of a point: while both stay
+    // closer than half a point to it, rounding would give it again. Only a
+    // change of the rounded value reaches the tables derived from the row
+    // (mobility, king danger), which are costly to rebuild.
+    if (std::fabs(p.opening_f - opening_of(p.score)) < 0.5 && std::fabs(p.endgame_f - endgame_of(p.score)) < 0.5)
+        return;
     Score rounded = make_score(round_half_away(p.opening_f), round_half_away(p.endgame_f));
-    // Most steps move the working copy by a fraction of a point; the tables
-    // derived from a row (mobility, king danger) are costly to rebuild, so
-    // only a change of the rounded value reaches them.
     if (rounded == p.score)
         return;
     p.score = rounded;
