@@ -131,14 +131,18 @@ void read_token(Builder* b, const char* token)
     case '{':
         b->comment_depth++;
         return;
+    // A closing mark with nothing open is a stray: counted, it would turn
+    // the next comment or variation into moves.
     case '}':
-        b->comment_depth--;
+        if (b->comment_depth > 0)
+            b->comment_depth--;
         return;
     case '(':
         b->variation_depth++;
         return;
     case ')':
-        b->variation_depth--;
+        if (b->variation_depth > 0)
+            b->variation_depth--;
         return;
     default:
         break;

@@ -135,6 +135,16 @@ TEST_F(BookBuilder, CommentsAndVariations)
                                     entry({"e4", "e5", "Nf3", "Nc6", "Bc4"}, 12)}));
 }
 
+// A closing brace or parenthesis with nothing open is ignored: the comment
+// and the variation after it still hide their moves.
+TEST_F(BookBuilder, StrayClosingMarks)
+{
+    std::string moves = "1. e4 } e5 ) 2. Nf3 {Bc4 is also good} Nc6 (2... d6 3. d4) 3. Bb5";
+    std::string bytes = build(games(moves, "1-0"));
+    EXPECT_EQ(bytes, in_file_order({entry({"e4"}, 12), entry({"e4", "e5", "Nf3"}, 12),
+                                    entry({"e4", "e5", "Nf3", "Nc6", "Bb5"}, 12)}));
+}
+
 // A game counts until 36 plies are in, but the test is made once per line:
 // with one move pair per line exactly 36 plies count, while the line that
 // reaches 36 is read to its end.

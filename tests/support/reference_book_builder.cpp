@@ -70,11 +70,11 @@ void token(Reference* r, const char* t)
     if (!std::strcmp(t, "{"))
         r->comment_depth++;
     else if (!std::strcmp(t, "}"))
-        r->comment_depth--;
+        r->comment_depth = std::max(r->comment_depth - 1, 0);
     else if (!std::strcmp(t, "("))
         r->variation_depth++;
     else if (!std::strcmp(t, ")"))
-        r->variation_depth--;
+        r->variation_depth = std::max(r->variation_depth - 1, 0);
     if (t[0] == '{' || t[0] == '}' || t[0] == '(' || t[0] == ')')
         return;
     if (r->comment_depth > 0 || r->variation_depth > 0)
