@@ -3,6 +3,7 @@
 #include "board/attack_queries.h"
 #include "board/attacks.h"
 #include "board/notation.h"
+#include "board/see.h"
 #include "eval/eval_cache.h"
 #include "eval/eval_options.h"
 #include "eval/eval_tables.h"
@@ -469,18 +470,30 @@ void evaluate_threats(EvalState& st)
     pushes &= st.attacked[e] | ~st.attacked[s];
     a.add(PPUSH_THREAT, popcount(pawn_attacks_of(e, pushes) & (minors | majors)));
 
-    // Men pinned against their king; a pinned piece without a pawn's support is in trouble.
+    // Men pinned against their king. A piece counts when the pin costs it
+    // something: it cannot step along the line to take the pinner, or the
+    // pinner is worth less than it is.
     int k = pos->king_square[s];
     const Bitboard* q = pos->pieces[e];
     Bitboard snipers = ((q[BISHOP] | q[QUEEN]) & BISHOP_RAYS[k]) | ((q[ROOK] | q[QUEEN]) & ROOK_RAYS[k]);
     Bitboard pinned = 0;
+    int pinned_pieces = 0;
     while (snipers) {
-        Bitboard between = BETWEEN[pop_lsb(snipers)][k] & st.occ;
-        if (between && !(between & (between - 1)) && (between & p[0]))
-            pinned |= between;
+        int sniper = pop_lsb(snipers);
+        Bitboard between = BETWEEN[sniper][k] & st.occ;
+        if (!between || (between & (between - 1)) || !(between & p[0]))
+            continue;
+        pinned |= between;
+        int type = piece_type(pos->board[lsb(between)]);
+        if (type == PAWN)
+            continue;
+        bool diagonal = BISHOP_RAYS[k] & bit(sniper);
+        bool slides_along = type == QUEEN || (type == BISHOP && diagonal) || (type == ROOK && !diagonal);
+        if (!slides_along || SEE_VALUE[piece_type(pos->board[sniper])] < SEE_VALUE[type])
+            pinned_pieces++;
     }
     a.add(PINNED_PAWN, popcount(pinned & p[PAWN]));
-    a.add(PINNED_PIECE, popcount(pinned & (minors | majors) & ~st.by_type[s][PAWN]));
+    a.add(PINNED_PIECE, pinned_pieces);
     a.close();
 }
 

@@ -194,3 +194,26 @@ TEST_F(Evaluation, SpecialEndingsLeaveNoThreats)
     EXPECT_EQ(threats[0], 0);
     EXPECT_EQ(threats[1], 0);
 }
+
+// A piece pinned against its king counts when the pin costs it something:
+// it cannot move along the line to take the pinner, or the pinner is worth
+// less. A rook pinned on a file by a rook, or a bishop on a diagonal by a
+// bishop, can answer the pin and costs nothing.
+TEST_F(Evaluation, PinsThatCost)
+{
+    // Pawns on the h-file keep the special endings away.
+    auto pinned_pieces = [&](const std::string& fen) {
+        set_test_position(g, fen);
+        param_table[PINNED_PIECE].coef = 0;
+        c->tuning = 1;
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
+        c->tuning = 0;
+        return param_table[PINNED_PIECE].coef; // White's count minus Black's
+    };
+    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3N3P/4K3 w - -"), 1.0f) << "knight pinned by a bishop";
+    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3Q3P/4K3 w - -"), 1.0f) << "queen pinned by a bishop";
+    EXPECT_EQ(pinned_pieces("4k3/4r2p/8/8/8/8/4B2P/4K3 w - -"), 1.0f) << "bishop pinned on a file";
+    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3B3P/4K3 w - -"), 0.0f) << "bishop against bishop";
+    EXPECT_EQ(pinned_pieces("4k3/4r2p/8/8/8/8/4R2P/4K3 w - -"), 0.0f) << "rooks pinning each other";
+    EXPECT_EQ(pinned_pieces("4k3/4n2p/8/8/8/8/4R2P/4K3 b - -"), -1.0f) << "Black's knight pinned by a rook";
+}
