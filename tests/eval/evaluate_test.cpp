@@ -35,6 +35,17 @@ class Evaluation : public ::testing::Test
         evaluate(&g->pos, c.get(), g->pos.side, 0, 0, level, nullptr);
         return testing::internal::GetCapturedStdout();
     }
+    // The signed weight with which `row` entered the evaluation of `fen`
+    // (White's terms count up, Black's down).
+    float coefficient(int row, const std::string& fen)
+    {
+        set_test_position(g, fen);
+        param_table[row].coef = 0;
+        c->tuning = 1;
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
+        c->tuning = 0;
+        return param_table[row].coef;
+    }
     Game* g = nullptr;
     std::unique_ptr<EvalCaches> c;
 };
@@ -168,14 +179,7 @@ TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
 // takes nothing from it. A pawn moved up leaves a hole that costs.
 TEST_F(Evaluation, FullShieldCostsNothing)
 {
-    auto shield_coefficient = [&](const std::string& fen) {
-        set_test_position(g, fen);
-        param_table[PAWN_SHIELD].coef = 0;
-        c->tuning = 1;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
-        c->tuning = 0;
-        return param_table[PAWN_SHIELD].coef;
-    };
+    auto shield_coefficient = [&](const std::string& fen) { return coefficient(PAWN_SHIELD, fen); };
     // Both kings castled short behind f-, g- and h-pawns on their own squares.
     EXPECT_EQ(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1RK1 w - -"), 0.0f);
     // The same for a king in the corner.
@@ -202,14 +206,7 @@ TEST_F(Evaluation, SpecialEndingsLeaveNoThreats)
 TEST_F(Evaluation, PinsThatCost)
 {
     // Pawns on the h-file keep the special endings away.
-    auto pinned_pieces = [&](const std::string& fen) {
-        set_test_position(g, fen);
-        param_table[PINNED_PIECE].coef = 0;
-        c->tuning = 1;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
-        c->tuning = 0;
-        return param_table[PINNED_PIECE].coef; // White's count minus Black's
-    };
+    auto pinned_pieces = [&](const std::string& fen) { return coefficient(PINNED_PIECE, fen); };
     EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3N3P/4K3 w - -"), 1.0f) << "knight pinned by a bishop";
     EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3Q3P/4K3 w - -"), 1.0f) << "queen pinned by a bishop";
     EXPECT_EQ(pinned_pieces("4k3/4r2p/8/8/8/8/4B2P/4K3 w - -"), 1.0f) << "bishop pinned on a file";
