@@ -56,3 +56,27 @@ void fuzz_enter_scratch_dir()
     scratch_dir = made;
     std::atexit(remove_scratch_dir);
 }
+
+std::string fuzz_placement(const char board[64])
+{
+    std::string out;
+    for (int rank = 7; rank >= 0; rank--) {
+        int run = 0;
+        for (int file = 0; file < 8; file++) {
+            char c = board[rank * 8 + file];
+            if (!c) {
+                run++;
+                continue;
+            }
+            if (run)
+                out += char('0' + run);
+            run = 0;
+            out += c;
+        }
+        if (run)
+            out += char('0' + run);
+        if (rank)
+            out += '/';
+    }
+    return out;
+}

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 // Runs one input; returns 0. A target with start-up work also defines
 // extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv), which both
@@ -30,3 +31,7 @@ void fuzz_silence_stdout();
 // that files the engine writes (log, trace, saved game) land there; it is
 // removed with its files when the process ends.
 void fuzz_enter_scratch_dir();
+
+// The piece-placement field of a FEN for a board of piece letters (0 for an
+// empty square), a8 first.
+std::string fuzz_placement(const char board[64]);

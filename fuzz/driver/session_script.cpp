@@ -590,25 +590,7 @@ const char* fuzz_fen(FuzzInput* in, char* buffer, size_t size)
     }
     for (int n = take_range(in, 0, 30); n > 0; n--)
         board[take_range(in, 0, 63)] = "PNBRQKpnbrqk"[take_range(in, 0, 11)];
-    std::string out;
-    for (int rank = 7; rank >= 0; rank--) {
-        int run = 0;
-        for (int file = 0; file < 8; file++) {
-            char c = board[rank * 8 + file];
-            if (!c) {
-                run++;
-                continue;
-            }
-            if (run)
-                out += char('0' + run);
-            run = 0;
-            out += c;
-        }
-        if (run)
-            out += char('0' + run);
-        if (rank)
-            out += '/';
-    }
+    std::string out = fuzz_placement(board);
     out += take_chance(in, 2) ? " w " : " b ";
     out += take_one_of(in, {"-", "KQkq", "K", "q", "Kk"});
     out += ' ';

@@ -60,25 +60,7 @@ std::string random_fen(const char* material, uint64_t* state)
         } while (board[sq] || (*p == 'P' && (sq < 8 || sq >= 56)));
         board[sq] = white ? *p : char(*p - 'A' + 'a');
     }
-    std::string fen;
-    for (int rank = 7; rank >= 0; rank--) {
-        int empty = 0;
-        for (int file = 0; file < 8; file++) {
-            char c = board[rank * 8 + file];
-            if (!c) {
-                empty++;
-                continue;
-            }
-            if (empty)
-                fen += char('0' + empty);
-            empty = 0;
-            fen += c;
-        }
-        if (empty)
-            fen += char('0' + empty);
-        if (rank)
-            fen += '/';
-    }
+    std::string fen = fuzz_placement(board);
     fen += next_random(state) & 1 ? " b - - 0 1" : " w - - 0 1";
     return fen;
 }
