@@ -72,6 +72,8 @@ void refresh_derived_tables()
 
 void refresh_derived_row(int row)
 {
+    // Scores cached with the row's old value are stale now.
+    param_generation++;
     param_score[row] = param_table[row].score;
     if (row == KNIGHT_MOBILITY || row == BISHOP_MOBILITY || row == ROOK_MOBILITY || row == QUEEN_MOBILITY)
         derive_mobility();

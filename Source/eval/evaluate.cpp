@@ -199,19 +199,26 @@ void evaluate_pawns(EvalState& st, EvalCaches* c, int ply)
     const Position* pos = st.pos;
     for (int s = 0; s < 2; s++)
         add<Tune>(st, s, MTL_PAWN, popcount(pos->pieces[s][PAWN]));
-    uint64_t key = pawn_hash_key(pos);
-    PawnHashEntry* e = &c->pawn_hash[key & (PAWN_HASH_SIZE - 1)];
-    c->pawn_probes++;
-    if (!Tune && ply >= 2 && e->key == key) {
-        c->pawn_hits++;
-        st.acc[0] += e->score[0];
-        st.acc[1] += e->score[1];
+    if constexpr (Tune) {
+        // The tuner changes the rows between evaluations, so an entry would
+        // be stale at once: the cache is left alone.
+        pawn_structure<Tune, WHITE>(st);
+        pawn_structure<Tune, BLACK>(st);
     } else {
-        Score w = pawn_structure<Tune, WHITE>(st);
-        Score b = pawn_structure<Tune, BLACK>(st);
-        e->key = key;
-        e->score[0] = w;
-        e->score[1] = b;
+        uint64_t key = pawn_hash_key(pos);
+        PawnHashEntry* e = &c->pawn_hash[key & (PAWN_HASH_SIZE - 1)];
+        c->pawn_probes++;
+        if (ply >= 2 && e->key == key) {
+            c->pawn_hits++;
+            st.acc[0] += e->score[0];
+            st.acc[1] += e->score[1];
+        } else {
+            Score w = pawn_structure<Tune, WHITE>(st);
+            Score b = pawn_structure<Tune, BLACK>(st);
+            e->key = key;
+            e->score[0] = w;
+            e->score[1] = b;
+        }
     }
     // Blocked pawns depend on the pieces too, so they stay out of the cache.
     Bitboard wp = pos->pieces[WHITE][PAWN], bp = pos->pieces[BLACK][PAWN];

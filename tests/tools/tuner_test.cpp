@@ -1,4 +1,5 @@
 #include "board/fen.h"
+#include "eval/evaluate.h"
 #include "eval/params.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
@@ -113,4 +114,20 @@ TEST_F(Tuner, TrainingLowersTheErrorAndItsCheckpointReadsBack)
     init_eval_params(0);
     for (int row = 0; row < PARAM_ROWS; row++)
         ASSERT_EQ(param_table[row].score, tuned[row].score) << row;
+}
+
+TEST_F(Tuner, ASearchAfterTrainingSeesTheNewValues)
+{
+    SearchThread* t = worker(0);
+    ASSERT_NE(t, nullptr);
+    set_position(&t->pos, MIDDLEGAME);
+    // Deep in a search both caches answer for this position.
+    int before = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, 0, nullptr);
+    std::ofstream("one.epd") << MIDDLEGAME << " ce 0; gr 0.0;\n";
+    tune("one.epd", 5.0, 1, 20);
+    set_position(&t->pos, MIDDLEGAME);
+    int cached = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, 0, nullptr);
+    int fresh = evaluate(&t->pos, &t->eval, t->pos.side, 0, 0, 0, nullptr);
+    EXPECT_LT(fresh, before); // trained towards a loss
+    EXPECT_EQ(cached, fresh);
 }
