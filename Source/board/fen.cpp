@@ -11,25 +11,72 @@
 namespace
 {
 
-// Piece code per character, 0 for anything else: the tuner and the EPD
-// tools read millions of positions.
-struct PieceLetters {
+// Per character of the placement field: the piece code (0 for anything
+// else) and how many files it advances (a digit its value, a man one). The
+// tuner and the EPD tools read millions of positions, and a table lets the
+// reader go through a field without a branch per character.
+struct PlacementLetters {
     uint8_t code[256] = {};
-    constexpr PieceLetters()
+    uint8_t files[256] = {};
+    constexpr PlacementLetters()
     {
         const char* white = " PNBRQK";
         const char* black = " pnbrqk";
         for (int t = PAWN; t <= KING; t++) {
             code[uint8_t(white[t])] = uint8_t(piece_code(t, WHITE));
             code[uint8_t(black[t])] = uint8_t(piece_code(t, BLACK));
+            files[uint8_t(white[t])] = files[uint8_t(black[t])] = 1;
         }
+        for (int d = 1; d <= 8; d++)
+            files['0' + d] = uint8_t(d);
     }
 };
-constexpr PieceLetters PIECE_LETTERS;
+constexpr PlacementLetters PLACEMENT_LETTERS;
 
-inline int piece_from_letter(char c)
+// Reads the placement field into the board and the piece sets; returns the
+// first character after it. A man standing after the eighth file of its
+// rank, or below the first rank, in a malformed field is dropped.
+const char* read_placement(Position* pos, const char* p)
 {
-    return PIECE_LETTERS.code[uint8_t(c)];
+    // Index 64 takes what falls off the board; set 0 what is not a man.
+    uint8_t cells[65] = {};
+    Bitboard by_code[16] = {};
+    Bitboard last_king[2] = {};
+    int file = 0, rank = 7;
+    for (unsigned char c; (c = uint8_t(*p)) && c != ' '; p++) {
+        int code = PLACEMENT_LETTERS.code[c];
+        bool on_board = file < 8 && rank >= 0;
+        int sq = on_board ? make_square(file, rank) : 64;
+        cells[sq] = uint8_t(code);
+        Bitboard here = on_board ? bit(sq) : 0;
+        by_code[code] |= here;
+        // With several kings of a side (rejected later), the last one read
+        // is the one that counts.
+        if (piece_type(code) == KING && here)
+            last_king[piece_side(code)] = here;
+        bool slash = c == '/';
+        file = slash ? 0 : file + PLACEMENT_LETTERS.files[c];
+        rank -= slash;
+    }
+    std::memcpy(pos->board, cells, sizeof pos->board);
+    for (int side = WHITE; side <= BLACK; side++) {
+        Bitboard all = 0;
+        uint32_t signature = 0;
+        int phase = 0;
+        for (int type = PAWN; type <= KING; type++) {
+            Bitboard men = by_code[piece_code(type, side)];
+            pos->pieces[side][type] = men;
+            all |= men;
+            signature += uint32_t(popcount(men)) * SIGNATURE_STEP[type];
+            phase += popcount(men) * PHASE_WEIGHT[type];
+        }
+        pos->pieces[side][0] = all;
+        pos->pieces[side][7] = 0;
+        pos->material_signature[side] = signature;
+        pos->phase_material[side] = uint16_t(phase);
+        pos->king_square[side] = last_king[side] ? uint8_t(lsb(last_king[side])) : uint8_t(NO_SQUARE);
+    }
+    return p;
 }
 
 const char* skip_blanks(const char* p)
@@ -61,31 +108,9 @@ bool repair_castling(Position* pos)
 
 int read_fen(Position* pos, const char* text)
 {
-    pos->castling = 15;
     pos->ep_square = NO_SQUARE;
-    std::memset(pos->board, 0, sizeof pos->board);
-    std::memset(pos->pieces, 0, sizeof pos->pieces);
-    pos->material_signature[0] = pos->material_signature[1] = 0;
-    pos->phase_material[0] = pos->phase_material[1] = 0;
     pos->fifty = 0;
-    pos->key = pos->pawn_key = 0;
-    pos->king_square[0] = pos->king_square[1] = NO_SQUARE;
-
-    const char* p = text;
-    int file = 0, rank = 7;
-    for (; *p && *p != ' '; p++) {
-        if (*p >= '1' && *p <= '8') {
-            file += *p - '0';
-        } else if (*p == '/') {
-            file = 0;
-            rank--;
-        } else if (int code = piece_from_letter(*p)) {
-            // Men that fall off the board in a malformed field are dropped.
-            if (file < 8 && rank >= 0)
-                place_piece_keyless(pos, code, make_square(file, rank));
-            file++;
-        }
-    }
+    const char* p = read_placement(pos, text);
     if (*p == ' ') {
         p++;
         if (*p == 'w')

@@ -1,5 +1,8 @@
 #include "board/epd.h"
 #include "board/fen.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "board/position_check.h"
 #include "support/test_positions.h"
 
 #include <cstring>
@@ -53,6 +56,62 @@ TEST(Fen, ReaderDetails)
     // A right without its rook is removed (and reported).
     EXPECT_EQ(set_position(&g->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
     EXPECT_EQ(g->pos.castling, 2 | 4 | 8);
+    free_test_game(g);
+}
+
+TEST(Fen, ReaderAgreesWithThePositionMovesMake)
+{
+    // Every summary the reader builds (piece sets, material signatures,
+    // phase material, king squares, keys) is what making the moves keeps
+    // up: read back after each legal move, the position is the same.
+    Game* g = new_test_game();
+    Game* h = new_test_game();
+    std::vector<std::string> fens;
+    for (const PerftCase& c : load_perft_cases())
+        fens.push_back(c.fen);
+    for (const std::string& f : load_opening_fens(100))
+        fens.push_back(f);
+    MoveEntry list[256];
+    char text[128];
+    for (const std::string& f : fens) {
+        set_position(&g->pos, f.c_str());
+        ASSERT_STREQ(position_fault(&g->pos), "") << f;
+        int n = gen_legal(&g->pos, list);
+        for (int i = 0; i < n; i++) {
+            make_move(&g->pos, list[i].move);
+            write_fen(&g->pos, text);
+            read_fen(&h->pos, text);
+            EXPECT_STREQ(position_fault(&h->pos), "") << text;
+            EXPECT_EQ(h->pos.key, g->pos.key) << text;
+            EXPECT_EQ(h->pos.pawn_key, g->pos.pawn_key) << text;
+            EXPECT_EQ(std::memcmp(h->pos.pieces, g->pos.pieces, sizeof g->pos.pieces), 0) << text;
+            EXPECT_EQ(h->pos.material_signature[BLACK], g->pos.material_signature[BLACK]) << text;
+            EXPECT_EQ(h->pos.phase_material[WHITE], g->pos.phase_material[WHITE]) << text;
+            unmake_move(&g->pos);
+        }
+    }
+    free_test_game(h);
+    free_test_game(g);
+}
+
+TEST(Fen, MenOffTheBoardAreDropped)
+{
+    Game* g = new_test_game();
+    // A ninth file and a ninth rank lose their men; a short rank ends early.
+    read_fen(&g->pos, "4k3/8/8/8/8/8/8/4K3NN w - -");
+    EXPECT_EQ(g->pos.pieces[WHITE][KNIGHT], 0u);
+    EXPECT_EQ(g->pos.king_square[WHITE], 4);
+    read_fen(&g->pos, "4k3/8/8/8/8/8/8/8/4K3 w - -");
+    EXPECT_EQ(g->pos.king_square[WHITE], NO_SQUARE);
+    EXPECT_EQ(g->pos.pieces[WHITE][0], 0u);
+    read_fen(&g->pos, "4k3/3q/8/8/8/8/8/K w - -");
+    EXPECT_EQ(g->pos.board[51], piece_code(QUEEN, BLACK));
+    EXPECT_EQ(g->pos.king_square[WHITE], 0);
+    EXPECT_EQ(g->pos.phase_material[BLACK], 10);
+    // Of two kings of a side the last one read is the king.
+    read_fen(&g->pos, "4k3/8/8/8/8/8/8/K1K5 w - -");
+    EXPECT_EQ(g->pos.king_square[WHITE], 2);
+    EXPECT_STREQ(position_problem(&g->pos), "each side needs exactly one king");
     free_test_game(g);
 }
 
