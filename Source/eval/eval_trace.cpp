@@ -30,10 +30,10 @@ void print_eval_breakdown(const EvalBreakdown& b, int level)
             Score before = g == 0 ? 0 : b.snapshot[g - 1][s];
             if (type <= 5)
                 material[s] = b.material[s][type];
-            group[s] = b.snapshot[g][s] - before - material[s];
+            group[s] = score_minus(score_minus(b.snapshot[g][s], before), material[s]);
         }
         int w = blend(group[0], b.phase), k = blend(group[1], b.phase);
-        int mtl = type <= 5 ? blend(material[0] - material[1], b.phase) : 0;
+        int mtl = type <= 5 ? blend(score_minus(material[0], material[1]), b.phase) : 0;
         std::printf("%-10s  %4d   %4d   %4d   %4d\n", LABELS[g], w, k, w - k, mtl);
     }
     if (b.hung) {

@@ -103,7 +103,7 @@ inline void record_coefficient(EvalState& st, int row, float weight)
 template <bool Tune>
 inline void add(EvalState& st, int side, int row, int count = 1)
 {
-    st.acc[side] += count * param_score[row];
+    st.acc[side] = score_plus(st.acc[side], score_times(count, param_score[row]));
     if constexpr (Tune)
         record_coefficient(st, row, float(side == WHITE ? count : -count));
 }
@@ -112,7 +112,7 @@ inline void add(EvalState& st, int side, int row, int count = 1)
 template <bool Tune>
 inline void add_scaled(EvalState& st, int side, int row, Score value, float factor)
 {
-    st.acc[side] += value;
+    st.acc[side] = score_plus(st.acc[side], value);
     if constexpr (Tune)
         record_coefficient(st, row, side == WHITE ? factor : -factor);
 }
@@ -127,18 +127,18 @@ struct Account {
 
     void add(int row, int count = 1)
     {
-        sum += count * param_score[row];
+        sum = score_plus(sum, score_times(count, param_score[row]));
         if constexpr (Tune)
             record_coefficient(st, row, float(Side == WHITE ? count : -count));
     }
     void add_scaled(int row, Score value, float factor)
     {
-        sum += value;
+        sum = score_plus(sum, value);
         if constexpr (Tune)
             record_coefficient(st, row, Side == WHITE ? factor : -factor);
     }
     // Books the account into the side's total.
-    void close() { st.acc[Side] += sum; }
+    void close() { st.acc[Side] = score_plus(st.acc[Side], sum); }
 };
 
 inline int pst_row(const EvalState& st, int table, int side, int sq)
@@ -190,7 +190,7 @@ Score pawn_structure(EvalState& st)
         if (own & forward_file(s, sq))
             add<Tune>(st, s, PAWN_DOUBLED);
     }
-    return st.acc[s] - before;
+    return score_minus(st.acc[s], before);
 }
 
 template <bool Tune>
@@ -210,8 +210,8 @@ void evaluate_pawns(EvalState& st, EvalCaches* c, int ply)
         c->pawn_probes++;
         if (ply >= 2 && e->key == key) {
             c->pawn_hits++;
-            st.acc[0] += e->score[0];
-            st.acc[1] += e->score[1];
+            st.acc[0] = score_plus(st.acc[0], e->score[0]);
+            st.acc[1] = score_plus(st.acc[1], e->score[1]);
         } else {
             Score w = pawn_structure<Tune, WHITE>(st);
             Score b = pawn_structure<Tune, BLACK>(st);
@@ -746,7 +746,7 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
     evaluate_rest<Tune>(st, stm);
     snapshot(st, 7);
 
-    Score d = st.acc[WHITE] - st.acc[BLACK];
+    Score d = score_minus(st.acc[WHITE], st.acc[BLACK]);
     double tapered = std::fma(phase, double(endgame_of(d)), (1.0 - phase) * double(opening_of(d)));
     int score = int(tapered);
     int white_score = eval_options.contempt ? score + contempt_adjustment(pos) : score;
@@ -777,7 +777,7 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
         b.shown_score = stm == BLACK ? -shown : shown;
         for (int s = 0; s < 2; s++)
             for (int type = PAWN; type <= QUEEN; type++)
-                b.material[s][type] = popcount(pos->pieces[s][type]) * param_score[MTL_PAWN + type - 1];
+                b.material[s][type] = score_times(popcount(pos->pieces[s][type]), param_score[MTL_PAWN + type - 1]);
         print_eval_breakdown(b, trace);
     }
     return final_score;

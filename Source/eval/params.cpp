@@ -3,6 +3,7 @@
 #include "eval/eval_tables.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -87,7 +88,7 @@ void lay_down_rows()
     param_cursor = 0;
 }
 
-void apply_row(const char* name, int opening, int endgame)
+void apply_row(const char* name, int opening, int endgame, bool write = true)
 {
     if (!std::strcmp(name, "mtl_pawn"))
         param_cursor = 0;
@@ -96,6 +97,10 @@ void apply_row(const char* name, int opening, int endgame)
     EvalParam& p = param_table[param_cursor];
     if (std::strcmp(name, p.name))
         std::printf("error %s  %s\n", name, p.name);
+    if (!write) {
+        param_cursor++;
+        return;
+    }
     p.opening_f = single(opening);
     p.endgame_f = single(endgame);
     p.score = make_score(opening, endgame);
@@ -192,7 +197,13 @@ void load_params_file()
             tokens[n++] = tok;
         if (n < 4)
             continue; // a malformed or empty line
-        apply_row(tokens[1], std::atoi(tokens[2]), std::atoi(tokens[3]));
+        // A packed half holds 16 bits: a row given more keeps its value
+        // (the line still stands for its row, so the next lines stay in step).
+        long opening = std::strtol(tokens[2], nullptr, 10), endgame = std::strtol(tokens[3], nullptr, 10);
+        bool fits = opening >= INT16_MIN && opening <= INT16_MAX && endgame >= INT16_MIN && endgame <= INT16_MAX;
+        if (!fits)
+            std::printf("info string params.txt: %.60s out of range, row kept\n", tokens[1]);
+        apply_row(tokens[1], int(fits ? opening : 0), int(fits ? endgame : 0), fits);
     }
     std::fclose(f);
 }

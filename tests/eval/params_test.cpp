@@ -1,9 +1,14 @@
+#include "board/fen.h"
+#include "eval/eval_cache.h"
+#include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/engine_process.h"
+#include "support/test_positions.h"
 
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <vector>
@@ -166,6 +171,52 @@ TEST(Params, ParamsFileOverridesDefaults)
     EXPECT_EQ(opening_of(param_table[MTL_PAWN].score), 100);
     reset_weights();
 
+    unlink("params.txt");
+    init_eval_params(0);
+    ASSERT_EQ(chdir(old), 0);
+}
+
+TEST(Params, ParamsFileValuesAreBounded)
+{
+    char old[4096];
+    ASSERT_NE(getcwd(old, sizeof old), nullptr);
+    ASSERT_EQ(chdir(make_temp_dir().c_str()), 0);
+    reset_weights();
+
+    // A value a packed half cannot hold leaves its row as it was; the
+    // next line still goes to the next row.
+    std::ofstream("params.txt") << "fset(\"mtl_pawn\",90,110);\nfset(\"mtl_knight\",99999,5);\n"
+                                   "fset(\"mtl_bishop\",7,-99999999999999999999);\nfset(\"mtl_rook\",-32768,32767);\n";
+    testing::internal::CaptureStdout();
+    init_eval_params(0);
+    std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_NE(out.find("info string params.txt: mtl_knight out of range, row kept\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("mtl_bishop out of range"), std::string::npos) << out;
+    EXPECT_EQ(param_table[MTL_KNIGHT].score, 413 * 65536 + 361);
+    EXPECT_EQ(param_table[MTL_BISHOP].score, 426 * 65536 + 361);
+    EXPECT_EQ(opening_of(param_table[MTL_ROOK].score), -32768);
+    EXPECT_EQ(endgame_of(param_table[MTL_ROOK].score), 32767);
+
+    // Every row at the edge of its range: the sums overflow the halves, and
+    // the evaluation must still be defined (the sanitizer build checks it).
+    {
+        std::ofstream f("params.txt");
+        for (int row = 0; row < param_count; row++)
+            f << "fset(\"" << param_table[row].name << "\"," << (row % 2 ? 32767 : -32768) << ","
+              << (row % 3 ? -32768 : 32767) << ");\n";
+    }
+    eval_options.personality[WEIGHT_MTL_QUEEN][1] = 32767;
+    init_eval_params(0);
+    auto caches = std::make_unique<EvalCaches>();
+    clear_eval_caches(caches.get());
+    Game* g = new_test_game();
+    for (const PerftCase& c : load_perft_cases()) {
+        set_position(&g->pos, c.fen.c_str());
+        int s = evaluate(&g->pos, caches.get(), g->pos.side, 2, 0, 0, nullptr);
+        EXPECT_EQ(evaluate(&g->pos, caches.get(), g->pos.side, 0, 0, 0, nullptr), s) << c.fen;
+    }
+    free_test_game(g);
+    reset_weights();
     unlink("params.txt");
     init_eval_params(0);
     ASSERT_EQ(chdir(old), 0);
