@@ -26,11 +26,7 @@ std::string first_fields(const std::string& fen, int n = 4)
 TEST(Fen, WriterGivesTheFourFieldsBack)
 {
     Game* g = new_test_game();
-    std::vector<std::string> fens;
-    for (const PerftCase& c : load_perft_cases())
-        fens.push_back(c.fen);
-    for (const std::string& f : load_opening_fens(500))
-        fens.push_back(f);
+    std::vector<std::string> fens = load_test_fens(500);
     char out[128];
     for (const std::string& f : fens) {
         EXPECT_EQ(set_position(&g->pos, f.c_str()), 0) << f;
@@ -66,11 +62,7 @@ TEST(Fen, ReaderAgreesWithThePositionMovesMake)
     // up: read back after each legal move, the position is the same.
     Game* g = new_test_game();
     Game* h = new_test_game();
-    std::vector<std::string> fens;
-    for (const PerftCase& c : load_perft_cases())
-        fens.push_back(c.fen);
-    for (const std::string& f : load_opening_fens(100))
-        fens.push_back(f);
+    std::vector<std::string> fens = load_test_fens(100);
     MoveEntry list[256];
     char text[128];
     for (const std::string& f : fens) {

@@ -120,11 +120,7 @@ TEST(Notation, CoordinateTextByDialect)
 TEST(Notation, ParserAgreesWithComparingEveryText)
 {
     Game* g = new_test_game();
-    std::vector<std::string> fens;
-    for (const PerftCase& c : load_perft_cases())
-        fens.push_back(c.fen);
-    for (const std::string& fen : load_opening_fens(300))
-        fens.push_back(fen);
+    std::vector<std::string> fens = load_test_fens(300);
     int compared = 0, parsed = 0;
     for (const std::string& fen : fens) {
         set_test_position(g, fen);

@@ -100,3 +100,13 @@ std::vector<std::string> load_opening_fens(size_t max_count)
             fens.push_back(line);
     return fens;
 }
+
+std::vector<std::string> load_test_fens(size_t openings)
+{
+    std::vector<std::string> fens;
+    for (const PerftCase& c : load_perft_cases())
+        fens.push_back(c.fen);
+    for (const std::string& f : load_opening_fens(openings))
+        fens.push_back(f);
+    return fens;
+}

@@ -36,3 +36,5 @@ inline void set_test_position(Game* g, const std::string& fen)
 
 std::vector<PerftCase> load_perft_cases();
 std::vector<std::string> load_opening_fens(size_t max_count);
+// The perft positions' FENs, then the first `openings` match openings.
+std::vector<std::string> load_test_fens(size_t openings);
