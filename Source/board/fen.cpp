@@ -1,7 +1,6 @@
 #include "board/fen.h"
 
 #include "board/attack_queries.h"
-#include "board/makemove.h"
 #include "board/notation.h"
 #include "board/zobrist.h"
 #include "output/output.h"

@@ -78,11 +78,6 @@ void place_piece(Position* pos, int code, int sq)
     place_keyed(pos, code, sq);
 }
 
-void place_piece_keyless(Position* pos, int code, int sq)
-{
-    put_back(pos, code, sq);
-}
-
 void remove_piece(Position* pos, int sq)
 {
     remove_keyed(pos, sq);

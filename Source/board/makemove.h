@@ -31,6 +31,3 @@ inline uint64_t key_after(const Position* pos, Move move)
 void place_piece(Position* pos, int code, int sq);
 void remove_piece(Position* pos, int sq);
 
-// The same without the keys, for the reader, which computes them from
-// scratch once every man stands.
-void place_piece_keyless(Position* pos, int code, int sq);
