@@ -1,5 +1,6 @@
 #include "board/epd.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace
@@ -11,6 +12,24 @@ void copy_bounded(char* dest, const char* src, size_t len)
         len = EPD_FIELD_SIZE - 1;
     std::memcpy(dest, src, len);
     dest[len] = 0;
+}
+
+// Where the operand of a two-letter operation goes, if it is kept.
+char* operand_slot(const char* op, EpdFields* out)
+{
+    switch (uint8_t(op[0]) << 8 | uint8_t(op[1])) {
+    case 'b' << 8 | 'm':
+        return out->bm;
+    case 'a' << 8 | 'm':
+        return out->am;
+    case 'i' << 8 | 'd':
+        return out->id;
+    case 'c' << 8 | 'e':
+        return out->ce;
+    case 'c' << 8 | '0':
+        return out->c0;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -34,30 +53,23 @@ void split_epd(const char* line, EpdFields* out)
         const char* op = p;
         while (*p && *p != ' ' && *p != ';')
             p++;
-        size_t op_len = size_t(p - op);
-        char operand[EPD_FIELD_SIZE];
-        size_t n = 0;
-        while (*p && *p != ';') {
-            if (*p != ' ' && *p != '\n' && *p != '\r' && n < sizeof operand - 1)
-                operand[n++] = *p;
-            p++;
-        }
-        operand[n] = 0;
-        if (*p != ';')
-            break; // an operation without its ";" is not taken
-        p++;
         char* dest = nullptr;
-        if (op_len == 2 && !std::strncmp(op, "bm", 2))
-            dest = out->bm;
-        else if (op_len == 2 && !std::strncmp(op, "am", 2))
-            dest = out->am;
-        else if (op_len == 2 && !std::strncmp(op, "id", 2))
-            dest = out->id;
-        else if (op_len == 2 && !std::strncmp(op, "ce", 2))
-            dest = out->ce;
-        else if (op_len == 2 && !std::strncmp(op, "c0", 2))
-            dest = out->c0;
-        if (dest)
-            copy_bounded(dest, operand, n);
+        if (p - op == 2)
+            dest = operand_slot(op, out);
+        // Operands of operations not kept are only passed over: tuning files
+        // carry one or two of those on each of millions of lines.
+        const char* end = p;
+        while (*end && *end != ';')
+            end++;
+        if (*end != ';')
+            break; // an operation without its ";" is not taken
+        if (dest) {
+            size_t n = 0;
+            for (; p < end; p++)
+                if (*p != ' ' && *p != '\n' && *p != '\r' && n < EPD_FIELD_SIZE - 1)
+                    dest[n++] = *p;
+            dest[n] = 0;
+        }
+        p = end + 1;
     }
 }

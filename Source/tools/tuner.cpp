@@ -58,12 +58,20 @@ void update_row(int row, float err, double learning_rate, double phase)
     refresh_derived_row(row);
 }
 
-// Reads the number after `tag`, up to the next ";".
+// Reads the number after `tag`, up to the next ";". Results are written
+// "1.0", "0.5" or "0.0": those, exact in binary, are read here, anything
+// else by the library.
 double number_after(const char* line, const char* tag, bool* found)
 {
     const char* p = std::strstr(line, tag);
     *found = p != nullptr;
-    return p ? std::atof(p + std::strlen(tag)) : 0.0;
+    if (!p)
+        return 0.0;
+    p += std::strlen(tag);
+    auto digit = [](char c) { return c >= '0' && c <= '9'; };
+    if (digit(p[0]) && p[1] == '.' && (p[2] == '0' || p[2] == '5') && !digit(p[3]) && p[3] != 'e' && p[3] != 'E')
+        return (p[0] - '0') + (p[2] == '5' ? 0.5 : 0.0);
+    return std::atof(p);
 }
 
 } // namespace
@@ -132,6 +140,10 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
     FILE* f = std::fopen(file_name, "r");
     if (!f)
         return;
+    // Lines are short and many: a large buffer saves a system call every
+    // few dozen of them.
+    static char buffer[1 << 20];
+    std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
     std::fseek(f, 0, SEEK_END);
     double size = double(std::ftell(f));
     std::fseek(f, 0, SEEK_SET);
