@@ -32,6 +32,17 @@ struct PlacementLetters {
 };
 constexpr PlacementLetters PLACEMENT_LETTERS;
 
+// With several kings of a side (rejected later), the one read last counts:
+// the rightmost on the lowest rank. Found once at the end rather than with a
+// test per character, which the reader's loop cannot predict.
+uint8_t last_read(Bitboard kings)
+{
+    if (!kings)
+        return uint8_t(NO_SQUARE);
+    Bitboard lowest_rank = RANK_1 << (8 * rank_of(lsb(kings)));
+    return uint8_t(msb(kings & lowest_rank));
+}
+
 // Reads the placement field into the board and the piece sets; returns the
 // first character after it. A man standing after the eighth file of its
 // rank, or below the first rank, in a malformed field is dropped.
@@ -40,7 +51,6 @@ const char* read_placement(Position* pos, const char* p)
     // Index 64 takes what falls off the board; set 0 what is not a man.
     uint8_t cells[65] = {};
     Bitboard by_code[16] = {};
-    Bitboard last_king[2] = {};
     int file = 0, rank = 7;
     for (unsigned char c; (c = uint8_t(*p)) && c != ' '; p++) {
         int code = PLACEMENT_LETTERS.code[c];
@@ -49,10 +59,6 @@ const char* read_placement(Position* pos, const char* p)
         cells[sq] = uint8_t(code);
         Bitboard here = on_board ? bit(sq) : 0;
         by_code[code] |= here;
-        // With several kings of a side (rejected later), the last one read
-        // is the one that counts.
-        if (piece_type(code) == KING && here)
-            last_king[piece_side(code)] = here;
         bool slash = c == '/';
         file = slash ? 0 : file + PLACEMENT_LETTERS.files[c];
         rank -= slash;
@@ -73,7 +79,7 @@ const char* read_placement(Position* pos, const char* p)
         pos->pieces[side][7] = 0;
         pos->material_signature[side] = signature;
         pos->phase_material[side] = uint16_t(phase);
-        pos->king_square[side] = last_king[side] ? uint8_t(lsb(last_king[side])) : uint8_t(NO_SQUARE);
+        pos->king_square[side] = last_read(by_code[piece_code(KING, side)]);
     }
     return p;
 }
