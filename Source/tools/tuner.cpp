@@ -39,8 +39,11 @@ inline int round_half_away(double x)
 void update_row(int row, float err, double learning_rate, double phase)
 {
     EvalParam& p = param_table[row];
-    if (p.coef == 0.0f || p.frozen)
+    if (p.frozen)
         return;
+    // A listed row whose weights cancelled out (coefficient 0) moves by
+    // nothing here and stops at the rounding test below: cheaper than a
+    // test for it that the processor cannot predict.
     p.opening_f -= p.coef * learning_rate * ((1 - phase) * err);
     p.endgame_f -= p.coef * learning_rate * (phase * err);
     p.coef = 0;
