@@ -14,6 +14,13 @@ void copy_bounded(char* dest, const char* src, size_t len)
     dest[len] = 0;
 }
 
+// The characters that can end a FEN field: blank, line end, end of text.
+struct FenStops {
+    bool at[256] = {};
+    constexpr FenStops() { at[0] = at[uint8_t(' ')] = at[uint8_t('\n')] = at[uint8_t('\r')] = true; }
+};
+constexpr FenStops FEN_STOP;
+
 // Where the operand of a two-letter operation goes, if it is kept.
 char* operand_slot(const char* op, EpdFields* out)
 {
@@ -36,12 +43,13 @@ char* operand_slot(const char* op, EpdFields* out)
 
 void split_epd(const char* line, EpdFields* out)
 {
+    // The four FEN fields end at their fourth blank or with the line.
     const char* p = line;
-    int blanks = 0;
-    while (*p && *p != '\n' && *p != '\r') {
-        if (*p == ' ' && ++blanks == 4)
+    for (int blanks = 0;; p++) {
+        while (!FEN_STOP.at[uint8_t(*p)])
+            p++;
+        if (*p != ' ' || ++blanks == 4)
             break;
-        p++;
     }
     copy_bounded(out->fen, line, size_t(p - line));
     while (*p == ' ' || (*p >= '0' && *p <= '9'))
