@@ -40,7 +40,7 @@ constexpr int edge_60(int sq)
 
 constexpr int MAX_DANGER = 39;
 
-// King distances to a passed pawn's stop square count for more the further
+// King distances to a passed pawn count for more the further
 // the pawn has come; by relative rank, 1 on the sixth.
 constexpr float PASSER_KING_WEIGHT[8] = {0.0f, 0.0f, 0.0f, 1.0f / 3, 2.0f / 3, 1.0f, 4.0f / 3, 0.0f};
 

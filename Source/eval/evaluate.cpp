@@ -432,8 +432,8 @@ void evaluate_passers(EvalState& st)
         Bitboard path = forward_file(s, sq);
         if (!(path & st.occ) && !(path & st.attacked[e]))
             a.add(PPAWN_FREE + r);
-        int own_dist = distance(pos->king_square[s], stop);
-        int enemy_dist = distance(pos->king_square[e], stop);
+        int own_dist = distance(pos->king_square[s], sq);
+        int enemy_dist = distance(pos->king_square[e], sq);
         a.add_scaled(PPAWN_FKING_DIST, derived.passer_own_king[r][own_dist],
                          float(own_dist) * PASSER_KING_WEIGHT[r]);
         a.add_scaled(PPAWN_EKING_DIST, derived.passer_enemy_king[r][enemy_dist],
