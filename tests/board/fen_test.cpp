@@ -144,4 +144,15 @@ TEST(Epd, SplitterTakesOnlyTerminatedOperations)
     split_epd("4k3/8/8/8/8/8/8/4K3 w - - bm e4;id x", &g);
     EXPECT_STREQ(g.bm, "e4");
     EXPECT_STREQ(g.id, "kept");
+
+    // Operations it does not keep are passed over, kept ones after them
+    // still taken; a line end closes the FEN fields as a blank does.
+    EpdFields h{};
+    split_epd("4k3/8/8/8/8/8/8/4K3 w - - gr 0.5; c9 \"1-0\"; ce -3; sm Ke2;\r\n", &h);
+    EXPECT_STREQ(h.fen, "4k3/8/8/8/8/8/8/4K3 w - -");
+    EXPECT_STREQ(h.ce, "-3");
+    EXPECT_STREQ(h.bm, "");
+    EpdFields k{};
+    split_epd("4k3/8/8/8/8/8/8/4K3 b -\r\n", &k);
+    EXPECT_STREQ(k.fen, "4k3/8/8/8/8/8/8/4K3 b -");
 }

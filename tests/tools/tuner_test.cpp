@@ -55,6 +55,12 @@ TEST_F(Tuner, TargetsFromTheLabels)
     double p0 = win_probability(0);
     EXPECT_DOUBLE_EQ(p0, 0.5);
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1.0;", WHITE, 0), float(0.9 + 0.1 * p0));
+    // Results as the labelling tools write them, and any other decimal.
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.5;", WHITE, 0), float(0.9 * 0.5 + 0.1 * p0));
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.0;", BLACK, 0), float(0.1 * p0));
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.55;", WHITE, 0), float(0.9 * 0.55 + 0.1 * p0));
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.25;", WHITE, 0), float(0.9 * 0.25 + 0.1 * p0));
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1;", WHITE, 0), float(0.9 + 0.1 * p0));
     // A result in " c9 " is White's: with Black to move a White win is a loss.
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", BLACK, 0), float(0.1 * p0));
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", WHITE, 0), float(0.9 + 0.1 * p0));
