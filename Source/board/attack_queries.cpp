@@ -12,30 +12,15 @@ int is_square_attacked(const Position* pos, int sq, int s)
     if (p[KING] & KING_ATTACKS[sq])
         return 1;
     Bitboard occ = occupancy(pos);
-    Bitboard diag = (p[BISHOP] | p[QUEEN]) & BISHOP_RAYS[sq];
-    while (diag)
-        if (!(BETWEEN[pop_lsb(diag)][sq] & occ))
-            return 1;
-    Bitboard ortho = (p[ROOK] | p[QUEEN]) & ROOK_RAYS[sq];
-    while (ortho)
-        if (!(BETWEEN[pop_lsb(ortho)][sq] & occ))
-            return 1;
+    if ((p[BISHOP] | p[QUEEN]) & bishop_attacks(sq, occ))
+        return 1;
+    if ((p[ROOK] | p[QUEEN]) & rook_attacks(sq, occ))
+        return 1;
     return 0;
 }
 
 namespace
 {
-
-// First man of the candidate set whose line to `sq` is clear in `occ`.
-int first_clear(Bitboard candidates, int sq, Bitboard occ)
-{
-    while (candidates) {
-        int from = pop_lsb(candidates);
-        if (!(BETWEEN[from][sq] & occ))
-            return from;
-    }
-    return NO_SQUARE;
-}
 
 int attacker_in(const Position* pos, int sq, int side, Bitboard men, Bitboard occ)
 {
@@ -46,15 +31,19 @@ int attacker_in(const Position* pos, int sq, int side, Bitboard men, Bitboard oc
     b = p[KNIGHT] & men & KNIGHT_ATTACKS[sq];
     if (b)
         return lsb(b);
-    int from = first_clear(p[BISHOP] & men & BISHOP_RAYS[sq], sq, occ);
-    if (from != NO_SQUARE)
-        return from;
-    from = first_clear(p[ROOK] & men & ROOK_RAYS[sq], sq, occ);
-    if (from != NO_SQUARE)
-        return from;
-    from = first_clear(p[QUEEN] & men & (BISHOP_RAYS[sq] | ROOK_RAYS[sq]), sq, occ);
-    if (from != NO_SQUARE)
-        return from;
+    // A slider's line to the square is clear exactly when it stands among
+    // the squares a like slider on the square would reach.
+    Bitboard diagonal = bishop_attacks(sq, occ) & men;
+    b = p[BISHOP] & diagonal;
+    if (b)
+        return lsb(b);
+    Bitboard straight = rook_attacks(sq, occ) & men;
+    b = p[ROOK] & straight;
+    if (b)
+        return lsb(b);
+    b = p[QUEEN] & (diagonal | straight);
+    if (b)
+        return lsb(b);
     b = p[KING] & men & KING_ATTACKS[sq];
     return b ? lsb(b) : NO_SQUARE;
 }
