@@ -9,21 +9,31 @@ TSAN := build/tsan
 
 .PHONY: run build test sanitize tsan fuzz bench clean format
 
+# The engine and the test build are compiled with clang++ where it is
+# installed: its code searched 1.09x the nodes per second of GCC 12's and ran
+# the perfts in 0.83x the time, with the same node counts. Elsewhere, or with
+# KORVEL_CXX= (empty), CMake's default compiler. The sanitizer builds keep the
+# default compiler.
+KORVEL_CXX ?= $(shell command -v clang++ 2>/dev/null)
+COMPILER := $(if $(KORVEL_CXX),-DCMAKE_CXX_COMPILER=$(KORVEL_CXX))
+
 # PGO=1 optimises the Release build with a profile of the benchmark's
 # searches and perfts. Off by default: with GCC 12 and link-time optimisation
 # it measured no faster than without (depth-13 nps 0.99x, perft mixed). A
 # failed training run leaves no profile, and the build goes on without it.
+# The profile stages are GCC's: PGO=1 builds with g++.
 PGO ?= 0
+GNU := $(if $(shell command -v g++ 2>/dev/null),-DCMAKE_CXX_COMPILER=$(shell command -v g++))
 PGO_BUILD := build/pgo-generate
 PROFILE := $(abspath build/profile)
 PGO_INPUTS := $(shell find Source -name '*.cpp' -o -name '*.h' 2>/dev/null) CMakeLists.txt cmake/train_profile.cmake
 
 build:
 ifeq ($(PGO),0)
-	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO= > /dev/null
+	@$(CMAKE) -S . -B $(RELEASE) $(COMPILER) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO= > /dev/null
 else
 	@$(MAKE) --no-print-directory $(PROFILE)/trained || echo "no optimisation profile: building without one"
-	@$(CMAKE) -S . -B $(RELEASE) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO_DIR=$(PROFILE) \
+	@$(CMAKE) -S . -B $(RELEASE) $(GNU) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO_DIR=$(PROFILE) \
 		-DKORVEL_PGO=$$(test -f $(PROFILE)/trained && echo use) > /dev/null
 endif
 	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed epd_score
@@ -34,13 +44,13 @@ run: build
 $(PROFILE)/trained: $(PGO_INPUTS)
 	@echo "training the optimisation profile (the benchmark's searches and two perfts)"
 	@rm -f $(PROFILE)/trained
-	@$(CMAKE) -S . -B $(PGO_BUILD) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF \
+	@$(CMAKE) -S . -B $(PGO_BUILD) $(GNU) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF \
 		-DKORVEL_PGO=generate -DKORVEL_PGO_DIR=$(PROFILE) > /dev/null
 	@$(CMAKE) --build $(PGO_BUILD) -j $(JOBS) --target korvel > /dev/null
 	@$(CMAKE) -DKORVEL=$(PGO_BUILD)/korvel -DPROFILE_DIR=$(PROFILE) -P cmake/train_profile.cmake
 
 test:
-	@$(CMAKE) -S . -B $(TEST) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORVEL_CHECKS=ON > /dev/null
+	@$(CMAKE) -S . -B $(TEST) $(COMPILER) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORVEL_CHECKS=ON > /dev/null
 	@$(CMAKE) --build $(TEST) -j $(JOBS)
 	@cd $(TEST) && ctest --output-on-failure -j $(JOBS)
 
