@@ -26,5 +26,21 @@ if(NOT status EQUAL 0 OR NOT output MATCHES "visited 119060324 nodes" OR NOT out
     message(FATAL_ERROR "the perft of the training run failed (${status})")
 endif()
 
+# A clang-instrumented binary leaves raw profiles, one per run, that its
+# optimising stage reads only once merged.
+file(GLOB raw "${PROFILE_DIR}/*.profraw")
+if(raw)
+    find_program(PROFDATA NAMES llvm-profdata llvm-profdata-19 llvm-profdata-18 llvm-profdata-17
+        llvm-profdata-16 llvm-profdata-15 llvm-profdata-14)
+    if(NOT PROFDATA)
+        message(FATAL_ERROR "the training left clang profiles but llvm-profdata is missing")
+    endif()
+    execute_process(COMMAND "${PROFDATA}" merge -o "${PROFILE_DIR}/korvel.profdata" ${raw}
+        RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "merging the clang profiles failed (${status})")
+    endif()
+endif()
+
 file(REMOVE_RECURSE "${work}")
 file(TOUCH "${PROFILE_DIR}/trained")
