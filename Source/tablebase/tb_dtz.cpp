@@ -110,14 +110,15 @@ bool distance(Position* pos, int nesting, int* wdl_out, int* dtz_out)
         int v = 0, child_wdl, child_dtz;
         bool ok;
         if (zeroing) {
+            // A table that cannot be read leaves no value to look up.
             ok = resolve(pos, &child_wdl);
-            v = -zeroing_distance(child_wdl);
+            v = ok ? -zeroing_distance(child_wdl) : 0;
         } else {
             ok = distance(pos, nesting + 1, &child_wdl, &child_dtz);
             if (ok && wdl > 0 && child_dtz == -1 && is_mated(pos)) {
                 v = 1; // a mate ends the phase with this very move
             } else {
-                v = -child_dtz;
+                v = ok ? -child_dtz : 0;
                 v += sign(v);
             }
         }
@@ -175,10 +176,10 @@ bool tb_root_move(const Position* pos, Move* move, int* dtz)
         bool mate = *dtz > 0 && is_mated(&p);
         if (zeroes(list[i])) {
             ok = resolve(&p, &child_wdl);
-            v = zeroing_distance(-child_wdl);
+            v = ok ? zeroing_distance(-child_wdl) : 0;
         } else {
             ok = distance(&p, 1, &child_wdl, &child_dtz);
-            v = -child_dtz;
+            v = ok ? -child_dtz : 0;
             v += sign(v);
         }
         unmake_move(&p);
