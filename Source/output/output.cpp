@@ -15,7 +15,7 @@ bool log_enabled = false;
 
 } // namespace
 
-int16_t protocol_mode = 1;
+std::atomic<int16_t> protocol_mode{1};
 
 void send_line(const char* text)
 {
@@ -47,28 +47,37 @@ const char* format_line(char* buffer, size_t size, const char* format, ...)
     return buffer;
 }
 
+// The flag and the file change under the output lock: a search thread may
+// be printing (and logging) meanwhile.
 void open_log()
 {
-    log_enabled = true;
-    if (log_file)
-        return;
-    // A log that exists and cannot be deleted belongs to another running
-    // instance in this directory: leave it alone.
-    if (access(LOG_FILE_NAME, F_OK) == 0 && unlink(LOG_FILE_NAME) != 0) {
-        send_line("log file in use.");
+    {
+        std::lock_guard<std::mutex> guard(output_lock);
+        if (log_file) {
+            log_enabled = true;
+            return;
+        }
+        // A log that exists and cannot be deleted belongs to another running
+        // instance in this directory: leave it alone.
+        if (!(access(LOG_FILE_NAME, F_OK) == 0 && unlink(LOG_FILE_NAME) != 0)) {
+            log_file = std::fopen(LOG_FILE_NAME, "w");
+            log_enabled = true;
+            return;
+        }
         log_enabled = false;
-        return;
     }
-    log_file = std::fopen(LOG_FILE_NAME, "w");
+    send_line("log file in use.");
 }
 
 void close_log_flag()
 {
+    std::lock_guard<std::mutex> guard(output_lock);
     log_enabled = false;
 }
 
 bool log_is_enabled()
 {
+    std::lock_guard<std::mutex> guard(output_lock);
     return log_enabled;
 }
 
@@ -76,6 +85,7 @@ void log_command(const char* line)
 {
     char buffer[4999];
     format_line(buffer, sizeof buffer, "CMD: %s", line);
+    std::lock_guard<std::mutex> guard(output_lock);
     if (log_enabled && log_file) {
         std::fprintf(log_file, "%s\n", buffer);
         std::fflush(log_file);

@@ -3,14 +3,16 @@
 // layer of the engine may print through it; it depends on nothing else.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
 constexpr const char* LOG_FILE_NAME = "korvel.log";
 
 // Which dialect the engine speaks: 1 UCI (the default), 0 console. The move
-// writer and the search's progress lines follow it.
-extern int16_t protocol_mode;
+// writer and the search's progress lines follow it. Atomic: a "uci" that
+// arrives during a search rewrites it while the search thread prints.
+extern std::atomic<int16_t> protocol_mode;
 
 // Writes the line and a newline to stdout, flushes, and copies it to the log.
 void send_line(const char* text);

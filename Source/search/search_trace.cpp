@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-int8_t trace_depth = 0;
+std::atomic<int8_t> trace_depth{0};
 
 namespace
 {
@@ -26,7 +26,7 @@ void trace_move_write(const SearchThread* thread, uint16_t move)
             std::exit(0);
     }
     int ply = thread->pos.search_ply;
-    if (ply > trace_depth)
+    if (ply > trace_depth.load(std::memory_order_relaxed))
         return;
     int draft = ply >= 0 && ply < MAX_PLY ? thread->plies[ply].depth : 0;
     int iter = thread->iteration_depth;
