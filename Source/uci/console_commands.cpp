@@ -137,6 +137,25 @@ void load_command(const char* file, const char* tag)
         show_game_board();
 }
 
+// "level" and "depth" typed while the engine thinks: the running search
+// reads the clocks and its depth, so they reach the limits only once it has
+// ended, as the settings do.
+struct WaitingLimits {
+    bool level, depth;
+    int16_t level_moves;
+    double seconds, increment;
+    uint8_t max_depth;
+};
+WaitingLimits waiting_limits;
+
+void set_level(int moves, double seconds, double inc)
+{
+    limits.level_moves = int16_t(moves);
+    limits.fixed_limit = moves ? 40 : 0;
+    limits.white_time = limits.black_time = seconds;
+    limits.increment = inc;
+}
+
 void level_command(const Words& w)
 {
     int moves = clamp_int(std::atol(w.text[1]), 0, 1000);
@@ -146,10 +165,14 @@ void level_command(const Words& w)
         seconds = 60;
     if (!(inc >= 0) || inc > 1e5)
         inc = 0;
-    limits.level_moves = int16_t(moves);
-    limits.fixed_limit = moves ? 40 : 0;
-    limits.white_time = limits.black_time = seconds;
-    limits.increment = inc;
+    if (search_in_progress()) {
+        waiting_limits.level = true;
+        waiting_limits.level_moves = int16_t(moves);
+        waiting_limits.seconds = seconds;
+        waiting_limits.increment = inc;
+    } else {
+        set_level(moves, seconds, inc);
+    }
     char line[128];
     send_line(format_line(line, sizeof line, "set level to %d moves in %0.2f seconds, inc %0.2f", moves, seconds, inc));
 }
@@ -332,7 +355,13 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "level")) {
         level_command(w);
     } else if (!std::strcmp(cmd, "depth")) {
-        limits.base_max_depth = limits.max_depth = uint8_t(clamp_int(std::atol(arg), 1, MAX_SEARCH_DEPTH));
+        uint8_t depth = uint8_t(clamp_int(std::atol(arg), 1, MAX_SEARCH_DEPTH));
+        if (search_in_progress()) {
+            waiting_limits.depth = true;
+            waiting_limits.max_depth = depth;
+        } else {
+            limits.base_max_depth = limits.max_depth = depth;
+        }
     } else if (!std::strcmp(cmd, "target_nps")) {
         double nps = std::atof(arg);
         if (!(nps >= 10))
@@ -394,4 +423,13 @@ void handle_console_command(char* line)
     } else {
         move_input(cmd);
     }
+}
+
+void apply_waiting_console_limits()
+{
+    if (waiting_limits.level)
+        set_level(waiting_limits.level_moves, waiting_limits.seconds, waiting_limits.increment);
+    if (waiting_limits.depth)
+        limits.base_max_depth = limits.max_depth = waiting_limits.max_depth;
+    waiting_limits.level = waiting_limits.depth = false;
 }
