@@ -157,8 +157,8 @@ inline Bitboard bishop_attacks_by_rays(int sq, Bitboard occ)
 // (its lines without their last square) gathered into an index. The rook
 // tables take 800 KB, the bishop ones 42 KB; they are filled before main.
 struct SliderIndex {
-    Bitboard mask[64];    // squares whose occupancy matters
-    uint32_t offset[64];  // where the square's block starts in SLIDER_ATTACKS
+    Bitboard mask[64];   // squares whose occupancy matters
+    uint32_t offset[64]; // where the square's block starts in SLIDER_ATTACKS
 };
 extern SliderIndex ROOK_INDEX, BISHOP_INDEX;
 extern Bitboard SLIDER_ATTACKS[];
