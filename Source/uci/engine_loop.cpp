@@ -42,7 +42,6 @@ Move checked_book_move(Move move)
 void start_search()
 {
     apply_waiting_settings(); // the workers are idle here: a new go stopped them
-    apply_waiting_console_limits();
     set_search_root(game_position());
     prepare_search();
     print_search_start();
@@ -203,10 +202,8 @@ void engine_round()
 {
     sleep_ms(1);
     check_time();
-    if (limits.search_state == SEARCH_IDLE && !count_busy_threads()) {
+    if (limits.search_state == SEARCH_IDLE && !count_busy_threads())
         apply_waiting_settings();
-        apply_waiting_console_limits();
-    }
     bool pending = false;
     uint8_t state = limits.search_state;
     if (state != SEARCH_REQUESTED && state != PONDER_REQUESTED)

@@ -6,6 +6,7 @@
 #include "search/tt.h"
 #include "tablebase/tbprobe.h"
 #include "uci/bounded_input.h"
+#include "uci/console_commands.h"
 #include "uci/settings.h"
 
 #include <cstdio>
@@ -142,6 +143,7 @@ void apply_waiting_settings()
     if (std::strcmp(tablebase_path, settings.syzygy_path))
         reload_tablebases();
     settings_reach_the_search();
+    apply_waiting_console_limits();
 }
 
 void init_tablebases()

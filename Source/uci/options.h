@@ -19,8 +19,8 @@ int allocate_hash(int megabytes);
 int load_config_file();
 
 // Carries out what options set during a search left waiting (table size,
-// thread count, tablebase path, the search's copies of the settings); to be
-// called while no search runs.
+// thread count, tablebase path, the search's copies of the settings, the
+// console's level and depth); to be called while no search runs.
 void apply_waiting_settings();
 
 // Opens the tablebases of the SyzygyPath setting.

@@ -1,6 +1,8 @@
 // The console dialect, typed by a person (switch -c).
 #include "support/engine_process.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -130,6 +132,29 @@ TEST(Console, AnEngineMoveAskedForWhileTheEngineThinksAnswersTheNewBoard)
     std::string played = e.wait_for("1. move ", 30000);
     EXPECT_NE(played, "");
     EXPECT_EQ(played.find("move e4"), std::string::npos) << played; // a startpos answer
+    EXPECT_EQ(e.quit(), 0);
+}
+
+TEST(Console, ADepthTypedWhileTheEngineThinksHoldsForTheNextSearches)
+{
+    // The running search keeps its limit; the new one is not lost but
+    // governs the searches that follow.
+    std::string dir = make_temp_dir();
+    EngineProcess e({"-c"}, dir);
+    e.send_line("depth 30");
+    e.send_line("move");
+    EXPECT_NE(e.wait_for("01] 0", 20000), "");
+    e.send_line("depth 3");
+    e.send_line("move");
+    EXPECT_NE(e.wait_for("1. move ", 30000), "");
+    e.send_line("move");
+    std::vector<std::string> seen;
+    EXPECT_NE(e.wait_for("1. move ", 30000, &seen), "");
+    int deepest = 0;
+    for (const std::string& line : seen)
+        if (line.rfind("01] ", 0) == 0)
+            deepest = std::max(deepest, std::atoi(line.c_str() + 4));
+    EXPECT_EQ(deepest, 3);
     EXPECT_EQ(e.quit(), 0);
 }
 
