@@ -2,6 +2,7 @@
 
 #include "board/attack_queries.h"
 #include "board/attacks.h"
+#include "board/movegen.h"
 
 namespace
 {
@@ -44,6 +45,11 @@ int is_legal(const Position* pos, int side, Move move)
         occ &= ~bit(victim);
     }
     return !attacked_after(pos, target, them, removed, occ);
+}
+
+int is_legal_move(const Position* pos, Move move)
+{
+    return move && is_pseudo_legal(pos, move) && is_legal(pos, pos->side, move);
 }
 
 namespace

@@ -8,6 +8,11 @@
 // does not start on, pass or land on an attacked square), else 0.
 int is_legal(const Position* pos, int side, Move move);
 
+// The one test for a move that no generator produced in this position (a
+// book move, a typed or stored move, a hash move shown to the user): 1 when
+// it could have been generated and does not leave the mover's king attacked.
+int is_legal_move(const Position* pos, Move move);
+
 // Per-node facts that let most moves skip the attack test: the men of the
 // side to move pinned against their king, and whether that king is in check.
 struct PinInfo {

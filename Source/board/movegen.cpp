@@ -251,6 +251,31 @@ MoveEntry* gen_all_to(const Position* pos, Bitboard mask, MoveEntry* list)
     return list;
 }
 
+namespace
+{
+
+// Castling as the generator offers it: the right is still held, the king and
+// the rook stand on their squares and every square between them is empty.
+// Attacks are the legality test's business. A stored move (a book entry
+// whose key collided, a hash move) must pass every one of these, or the
+// engine could castle through a knight or without the right.
+bool castling_could_be_generated(const Position* pos, int side, int from, int to)
+{
+    if (from != KING_START[side])
+        return false;
+    int rook = piece_code(ROOK, side);
+    Bitboard occ = occupancy(pos);
+    if (to == from + 2)
+        return (pos->castling & (CASTLE_WHITE_KING << (2 * side))) && pos->board[from + 3] == rook
+               && !(occ & (bit(from + 1) | bit(from + 2)));
+    if (to == from - 2)
+        return (pos->castling & (CASTLE_WHITE_QUEEN << (2 * side))) && pos->board[from - 4] == rook
+               && !(occ & (bit(from - 1) | bit(from - 2) | bit(from - 3)));
+    return false;
+}
+
+} // namespace
+
 bool is_pseudo_legal(const Position* pos, Move move)
 {
     int side = pos->side;
@@ -277,20 +302,8 @@ bool is_pseudo_legal(const Position* pos, Move move)
         return (ROOK_RAYS[from] & bit(to)) && !(BETWEEN[from][to] & occ);
     case QUEEN:
         return ((BISHOP_RAYS[from] | ROOK_RAYS[from]) & bit(to)) && !(BETWEEN[from][to] & occ);
-    case KING: {
-        if (KING_ATTACKS[from] & bit(to))
-            return true;
-        int back_rank = side == WHITE ? 0 : 7;
-        if (rank_of(from) != back_rank)
-            return false;
-        // The rook on its corner stands for the castling right here.
-        int rook = piece_code(ROOK, side);
-        if (to == from + 2)
-            return file_of(from) <= 4 && !(occ & bit(from + 1)) && !target && pos->board[from + 3] == rook;
-        if (to == from - 2)
-            return file_of(from) >= 4 && !(occ & bit(from - 1)) && !target && pos->board[from - 4] == rook;
-        return false;
-    }
+    case KING:
+        return (KING_ATTACKS[from] & bit(to)) || castling_could_be_generated(pos, side, from, to);
     default:
         break;
     }

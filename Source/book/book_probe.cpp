@@ -1,5 +1,6 @@
 #include "book/book_probe.h"
 
+#include "board/legality.h"
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_key.h"
@@ -163,7 +164,7 @@ Move book_probe(const Position* pos, const char* file, const BookOptions& option
     }
 
     Move chosen = book_move_to_move(entries[roulette.selected].move);
-    Move result = chosen && is_pseudo_legal(pos, chosen) ? chosen : 0;
+    Move result = is_legal_move(pos, chosen) ? chosen : 0;
     if (!options.quiet) {
         char line[64];
         if (console) {

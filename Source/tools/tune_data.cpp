@@ -79,7 +79,7 @@ int tune_record(Position* pos, const Move* pv, int ce, double gr, char* line, in
     int played = 0;
     for (; played < MAX_PLY && pv[played]; played++) {
         Move m = pv[played];
-        if (!is_pseudo_legal(pos, m) || !is_legal(pos, pos->side, m))
+        if (!is_legal_move(pos, m))
             break;
         make_move(pos, m);
     }

@@ -4,6 +4,7 @@
 #include "board/board_display.h"
 #include "board/epd.h"
 #include "board/fen.h"
+#include "board/legality.h"
 #include "board/makemove.h"
 #include "board/notation.h"
 #include "board/see.h"
@@ -188,13 +189,13 @@ void hash_command()
         TransEntry e;
         e.depth = TT_MISS;
         tt_probe(pos, &e);
-        if (e.depth < -9 || !e.move || !is_pseudo_legal(pos, e.move))
+        if (e.depth < -9 || !is_legal_move(pos, e.move))
             break;
         char text[MOVE_TEXT_SIZE];
         move_to_coord(e.move, text);
         used += size_t(std::snprintf(pv + used, sizeof pv - used, "%s%s", made ? " " : "", text));
         make_move(pos, e.move);
-        if (in_check(pos, pos->side ^ 1) || used > sizeof pv - 20) {
+        if (used > sizeof pv - 20) {
             made++;
             break;
         }

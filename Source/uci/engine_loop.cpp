@@ -3,6 +3,7 @@
 #include "board/attack_queries.h"
 #include "board/fen.h"
 #include "board/makemove.h"
+#include "board/legality.h"
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_probe.h"
@@ -26,17 +27,11 @@
 namespace
 {
 
-// A book move is trusted only if it does not leave the mover in check.
+// A book key can collide and a book can be built from faulty games: its
+// move is played only when it is legal here.
 Move checked_book_move(Move move)
 {
-    if (!move || !is_pseudo_legal(game_position(), move))
-        return 0;
-    Position* pos = game_position();
-    int mover = pos->side;
-    make_move(pos, move);
-    bool bad = in_check(pos, mover);
-    unmake_move(pos);
-    return bad ? 0 : move;
+    return is_legal_move(game_position(), move) ? move : 0;
 }
 
 void start_search()

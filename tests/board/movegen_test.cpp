@@ -1,5 +1,6 @@
 #include "board/attack_queries.h"
 #include "board/makemove.h"
+#include "board/legality.h"
 #include "board/movegen.h"
 #include "board/zobrist.h"
 #include "support/test_positions.h"
@@ -85,13 +86,38 @@ TEST(MoveGen, EvasionsAndCastling)
 TEST(MoveGen, PseudoLegalityOfStoredMoves)
 {
     Game* g = new_test_game();
-    // The rook's presence stands for the right; b1 is not examined.
-    set_test_position(g, "4k3/8/8/8/8/8/8/RN2K2R w - -");
-    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e1", "g1")));
-    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e1", "c1")));
-    set_test_position(g, "4k3/8/8/8/8/8/8/R1B1K1NR w KQ -");
-    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e1", "g1")));
-    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e1", "c1")));
+    // Castling needs the right, the king and rook at home and every square
+    // between them empty; attacks are left to the legality test.
+    struct {
+        const char* fen;
+        bool king_side, queen_side;
+    } castles[] = {
+        {"4k3/8/8/8/8/8/8/R3K2R w KQ -", true, true},
+        {"4k3/8/8/8/8/8/8/R3K2R w - -", false, false},     // no right at all
+        {"4k3/8/8/8/8/8/8/R3K2R w K -", true, false},      // one right only
+        {"4k3/8/8/8/8/8/8/RN2K2R w KQ -", true, false},    // the knight on b1
+        {"4k3/8/8/8/8/8/8/R1B1K1NR w KQ -", false, false}, // c1 and g1 taken
+        {"4k3/8/8/8/8/8/8/4K2R w KQ -", true, false},      // no rook on a1
+        {"3rk3/8/8/8/8/8/8/R3K3 w Q -", false, true},      // d1 attacked: pseudo-legal only
+        {"r3k2r/8/8/8/8/8/8/4K3 b kq -", false, false},    // Black to move: e1 castles are not his
+    };
+    for (const auto& c : castles) {
+        set_test_position(g, c.fen);
+        EXPECT_EQ(is_pseudo_legal(&g->pos, mv("e1", "g1")), c.king_side) << c.fen;
+        EXPECT_EQ(is_pseudo_legal(&g->pos, mv("e1", "c1")), c.queen_side) << c.fen;
+    }
+    set_test_position(g, "r3k2r/8/8/8/8/8/8/4K3 b q -");
+    EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e8", "g8")));
+    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e8", "c8")));
+
+    // The full test also refuses castling through an attacked square and
+    // moves that leave the king in check.
+    set_test_position(g, "3rk3/8/8/8/8/8/8/R3K3 w Q -");
+    EXPECT_FALSE(is_legal_move(&g->pos, mv("e1", "c1")));
+    EXPECT_TRUE(is_legal_move(&g->pos, mv("a1", "a8")));
+    set_test_position(g, "4k3/4r3/8/8/8/8/4B3/4K3 w - -");
+    EXPECT_FALSE(is_legal_move(&g->pos, mv("e2", "d3")));
+    EXPECT_FALSE(is_legal_move(&g->pos, 0));
 
     // Every generated move passes; moves of the other side and odd codes do not.
     for (const PerftCase& c : load_perft_cases()) {

@@ -108,28 +108,43 @@ TEST(BookSession, BookOptionsAndTheSecondBook)
     EXPECT_EQ(e.quit(), 0);
 }
 
-// A book move that would leave the mover's king in check is listed by the
-// probe but never played: the search decides instead.
+// A book key can collide and a book can be built from faulty games: a book
+// move that is not legal here is listed by the probe but never played, and
+// the search decides instead. Castling is the subtle case: without the
+// right, over a man, or through an attacked square.
 TEST(BookSession, IllegalBookMoveIsSearchedInstead)
 {
+    struct {
+        const char* fen;
+        uint16_t book_move; // from << 6 | to, castling as king takes rook
+        const char* never;
+    } cases[] = {
+        {"4k3/4r3/8/8/8/8/4B3/4K3 w - -", 12 << 6 | 19, "bestmove e2d3"}, // the pinned bishop
+        {"3rk3/8/8/8/8/8/8/R3K3 w Q -", 4 << 6 | 0, "bestmove e1c1"},     // through d1
+        {"4k3/8/8/8/8/8/8/RN2K3 w Q -", 4 << 6 | 0, "bestmove e1c1"},     // over the knight
+        {"4k3/8/8/8/8/8/8/R3K2R w - -", 4 << 6 | 7, "bestmove e1g1"},     // no right
+    };
     std::string dir = make_temp_dir();
-    Game* g = new_test_game();
-    const std::string fen = "4k3/4r3/8/8/8/8/4B3/4K3 w - -";
-    set_test_position(g, fen);
-    BookEntry entry = {book_key(&g->pos), uint16_t(12 << 6 | 19), 5, 0}; // the pinned bishop, e2d3
-    free_test_game(g);
-    unsigned char bytes[BOOK_ENTRY_SIZE];
-    encode_book_entry(&entry, bytes);
-    std::ofstream(dir + "/pin.bin", std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof bytes);
-
     EngineProcess e;
     start_uci(e);
-    e.send_line("setoption name OwnBook_File value " + dir + "/pin.bin");
-    std::vector<std::string> seen = go_lines(e, "fen " + fen, "depth 3");
-    EXPECT_TRUE(has_line_starting(seen, "info string ( book moves are: e2d3  )"));
-    EXPECT_FALSE(has_line_starting(seen, "info string book move"));
-    EXPECT_TRUE(has_line_starting(seen, "info depth"));
-    EXPECT_NE(seen.back(), "bestmove e2d3");
+    int n = 0;
+    for (const auto& c : cases) {
+        Game* g = new_test_game();
+        set_test_position(g, c.fen);
+        BookEntry entry = {book_key(&g->pos), c.book_move, 5, 0};
+        free_test_game(g);
+        unsigned char bytes[BOOK_ENTRY_SIZE];
+        encode_book_entry(&entry, bytes);
+        std::string file = dir + "/case" + std::to_string(n++) + ".bin";
+        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof bytes);
+
+        e.send_line("setoption name OwnBook_File value " + file);
+        std::vector<std::string> seen = go_lines(e, std::string("fen ") + c.fen, "depth 3");
+        EXPECT_TRUE(has_line_starting(seen, "info string ( book moves are:")) << c.fen;
+        EXPECT_FALSE(has_line_starting(seen, "info string book move")) << c.fen;
+        EXPECT_TRUE(has_line_starting(seen, "info depth")) << c.fen;
+        EXPECT_NE(seen.back(), c.never) << c.fen;
+    }
     EXPECT_EQ(e.quit(), 0);
     std::filesystem::remove_all(dir);
 }
