@@ -29,6 +29,18 @@ void send_line(const char* text)
     }
 }
 
+void send_error_line(const char* text)
+{
+    std::lock_guard<std::mutex> guard(output_lock);
+    std::fputs(text, stderr);
+    std::fputc('\n', stderr);
+    std::fflush(stderr);
+    if (log_enabled && log_file) {
+        std::fprintf(log_file, "%s\n", text);
+        std::fflush(log_file);
+    }
+}
+
 void log_line(const char* text)
 {
     std::lock_guard<std::mutex> guard(output_lock);

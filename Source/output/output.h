@@ -17,6 +17,10 @@ extern std::atomic<int16_t> protocol_mode;
 // Writes the line and a newline to stdout, flushes, and copies it to the log.
 void send_line(const char* text);
 
+// The same for trouble that is not part of the dialogue with the interface
+// (a damaged tablebase file): to stderr, under the same lock, into the log.
+void send_error_line(const char* text);
+
 // Writes a line to the log only (when logging is on).
 void log_line(const char* text);
 

@@ -1,10 +1,10 @@
 #include "search/search_trace.h"
 
 #include "board/notation.h"
+#include "output/output.h"
 #include "search/search_thread.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 std::atomic<int8_t> trace_depth{0};
 
@@ -21,9 +21,12 @@ void trace_move_write(const SearchThread* thread, uint16_t move)
 {
     if (!trace_file) {
         trace_file = std::fopen("trace.txt", "w");
-        // Tracing is a developer's tool: without its file there is no point going on.
-        if (!trace_file)
-            std::exit(0);
+        // Without its file the trace is switched off; the search goes on.
+        if (!trace_file) {
+            trace_depth.store(0, std::memory_order_relaxed);
+            send_line("info string cannot write trace.txt: trace switched off");
+            return;
+        }
     }
     int ply = thread->pos.search_ply;
     if (ply > trace_depth.load(std::memory_order_relaxed))

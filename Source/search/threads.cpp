@@ -26,8 +26,12 @@ constexpr int MAX_THREADS = 128;
 constexpr int NUMA_THRESHOLD = 32;
 
 std::atomic<SearchThread*> workers[MAX_THREADS];
+// Set by a worker that could not get its memory: it ends at once, and the
+// pool is started again smaller by whoever asked for it.
+std::atomic<bool> failed[MAX_THREADS];
 pthread_t handles[MAX_THREADS];
 int count = 0;
+int planned = 0; // the size of the pool being started, for the NUMA spread
 
 // CPUs of each NUMA node from sysfs; empty when the topology is not there.
 std::vector<cpu_set_t> numa_nodes()
@@ -76,12 +80,12 @@ void* worker_main(void* arg)
     int number = int(reinterpret_cast<intptr_t>(arg));
     SearchThread* t = new_search_thread();
     if (!t) {
-        std::fprintf(stderr, "out of memory for a search thread\n");
-        std::exit(1);
+        failed[number].store(true);
+        return nullptr;
     }
     t->thread_number = number;
-    if (numa_binding || count > NUMA_THRESHOLD)
-        bind_to_node(number, count);
+    if (numa_binding || planned > NUMA_THRESHOLD)
+        bind_to_node(number, planned);
     workers[number].store(t);
     for (;;) {
         uint8_t command = t->command.load();
@@ -109,18 +113,28 @@ bool start_threads(int n)
         n = 1;
     if (n > MAX_THREADS)
         n = MAX_THREADS;
-    for (auto& w : workers)
-        w.store(nullptr);
-    count = n;
-    for (int i = 0; i < n; i++) {
-        if (pthread_create(&handles[i], nullptr, worker_main, reinterpret_cast<void*>(intptr_t(i))) != 0) {
-            count = i;
-            return false;
-        }
+    for (int i = 0; i < MAX_THREADS; i++) {
+        workers[i].store(nullptr);
+        failed[i].store(false);
     }
-    for (int i = 0; i < n; i++)
-        while (!workers[i].load())
+    planned = n;
+    int created = 0;
+    while (created < n
+           && pthread_create(&handles[created], nullptr, worker_main, reinterpret_cast<void*>(intptr_t(created))) == 0)
+        created++;
+    count = created;
+    // Every thread created reports in, alive or out of memory, before the
+    // pool is either kept whole or taken down again.
+    bool whole = created == n;
+    for (int i = 0; i < created; i++) {
+        while (!workers[i].load() && !failed[i].load())
             sleep_ms(1);
+        whole = whole && !failed[i].load();
+    }
+    if (!whole) {
+        stop_threads();
+        return false;
+    }
     limits.thread_count = n;
     return true;
 }
@@ -133,10 +147,12 @@ void stop_threads()
     while (count_busy_threads())
         sleep_ms(1);
     for (int i = 0; i < count; i++)
-        workers[i].load()->command = CMD_QUIT;
+        if (SearchThread* t = workers[i].load())
+            t->command = CMD_QUIT;
     for (int i = 0; i < count; i++) {
-        while (workers[i].load()->command != CMD_GONE)
-            sched_yield();
+        if (SearchThread* t = workers[i].load())
+            while (t->command != CMD_GONE)
+                sched_yield();
         pthread_join(handles[i], nullptr);
     }
     for (int i = 0; i < count; i++) {

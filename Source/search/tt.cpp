@@ -125,10 +125,8 @@ int tt_allocate(int megabytes)
         init_zobrist();
         keys_made = true;
     }
-    tt_free();
-    tt.megabytes = megabytes;
-    tt.entries = uint32_t(megabytes) * 65536u;
-    size_t bytes = (size_t(tt.entries) + 16) * 16;
+    uint32_t entries = uint32_t(megabytes) * 65536u;
+    size_t bytes = (size_t(entries) + 16) * 16;
     // Mapped on a huge-page boundary and, up to a gigabyte, offered for huge
     // pages: the table's random accesses then cost far fewer address
     // translations. Larger tables keep small pages, since every first touch
@@ -136,8 +134,12 @@ int tt_allocate(int megabytes)
     // committed after a short search instead of growing as it fills.
     size_t total = bytes + HUGE_PAGE;
     void* memory = mmap(nullptr, total, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    // Without the new table the old one stays as it was.
     if (memory == MAP_FAILED)
         return 0;
+    tt_free();
+    tt.megabytes = megabytes;
+    tt.entries = entries;
     mapped = memory;
     mapped_bytes = total;
     uintptr_t aligned = (reinterpret_cast<uintptr_t>(memory) + HUGE_PAGE - 1) & ~(uintptr_t(HUGE_PAGE) - 1);
@@ -163,7 +165,9 @@ void tt_clear_slice(int index, int count)
         return;
     uint64_t total = uint64_t(tt.entries) + 16;
     uint64_t share = total / uint64_t(count);
-    zero_range(uint64_t(index) * share, share);
+    uint64_t first = uint64_t(index) * share;
+    // The last slice also takes what the even split leaves over.
+    zero_range(first, index == count - 1 ? total - first : share);
 }
 
 void tt_clear()

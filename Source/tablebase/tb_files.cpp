@@ -73,19 +73,22 @@ int tb_open_file(const char* name, const char* extension, int* directory)
 
 bool tb_map_file(int fd, int directory, const char* file_name, TbMapping* m)
 {
+    char dir[NAME_BUFFER];
+    std::snprintf(dir, sizeof dir, "%s/", tb_directory(directory));
     struct stat st;
-    if (fstat(fd, &st) != 0)
-        tb_fail_mapping();
-    if (size_t(st.st_size) < SMALLEST_TABLE) {
+    if (fstat(fd, &st) != 0) {
+        tb_report_unmeasured(dir, file_name, errno);
+        close(fd);
+        return false;
+    }
+    // Too short to hold a header: damaged, never mapped.
+    if (!S_ISREG(st.st_mode) || size_t(st.st_size) < SMALLEST_TABLE) {
         close(fd);
         return false;
     }
     void* data = mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_SHARED, fd, 0);
-    if (data == MAP_FAILED) {
-        char dir[NAME_BUFFER];
-        std::snprintf(dir, sizeof dir, "%s/", tb_directory(directory));
+    if (data == MAP_FAILED)
         tb_fail_view(dir, file_name, (unsigned long)errno);
-    }
     m->data = static_cast<const uint8_t*>(data);
     m->size = size_t(st.st_size);
     m->fd = fd;

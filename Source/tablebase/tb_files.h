@@ -27,8 +27,8 @@ struct TbMapping {
 };
 
 // Maps the whole open file; false (nothing mapped, the descriptor closed)
-// when the file is too short to hold a table. A failure of the mapping
-// itself ends the program.
+// when the file cannot be measured (reported), is no regular file or is too
+// short to hold a table. A failure of the mapping itself ends the program.
 bool tb_map_file(int fd, int directory, const char* file_name, TbMapping* m);
 
 // Unmaps and closes; failures are reported and otherwise ignored.

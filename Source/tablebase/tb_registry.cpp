@@ -60,7 +60,7 @@ void hash_insert(uint64_t key, TbTable* t)
             bucket[i] = HashSlot{key, t};
             return;
         }
-    tb_fail_capacity("HSHMAX too low!\n");
+    tb_fail_capacity("HSHMAX too low!");
 }
 
 void register_table(const char* name)
@@ -71,11 +71,11 @@ void register_table(const char* name)
     TbTable* t;
     if (m.pawns) {
         if (pawn_table_count == PAWN_TABLE_CAPACITY)
-            tb_fail_capacity("TBMAX_PAWN limit too low!\n");
+            tb_fail_capacity("TBMAX_PAWN limit too low!");
         t = &pawn_tables[pawn_table_count++];
     } else {
         if (piece_table_count == PIECE_TABLE_CAPACITY)
-            tb_fail_capacity("TBMAX_PIECE limit too low!\n");
+            tb_fail_capacity("TBMAX_PIECE limit too low!");
         t = &piece_tables[piece_table_count++];
     }
     std::snprintf(t->name, sizeof t->name, "%s", name);

@@ -2,7 +2,6 @@
 
 #include "output/output.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 void tb_report_found(int count)
@@ -13,38 +12,44 @@ void tb_report_found(int count)
 
 void tb_report_missing(const char* name, const char* extension)
 {
-    std::fprintf(stderr, "Could not find %s%s\n", name, extension);
+    char line[96];
+    send_error_line(format_line(line, sizeof line, "Could not find %s%s", name, extension));
 }
 
 void tb_report_corrupt()
 {
-    std::fprintf(stderr, "Corrupted table.\n");
+    send_error_line("Corrupted table.");
 }
 
 void tb_report_unmap_failure(int error)
 {
-    std::fprintf(stderr, "unmap failed, error code %d\n", error);
+    char line[64];
+    send_error_line(format_line(line, sizeof line, "unmap failed, error code %d", error));
 }
 
 void tb_report_close_failure(int error)
 {
-    std::fprintf(stderr, "CloseHandle failed, error code %d\n", error);
+    char line[64];
+    send_error_line(format_line(line, sizeof line, "CloseHandle failed, error code %d", error));
+}
+
+void tb_report_unmeasured(const char* directory, const char* file_name, int error)
+{
+    char line[640];
+    send_error_line(format_line(line, sizeof line, "fstat() failed, name = %s%s, error = %d.", directory, file_name,
+                                error));
 }
 
 void tb_fail_capacity(const char* message)
 {
-    std::fputs(message, stderr);
-    std::exit(1);
-}
-
-void tb_fail_mapping()
-{
-    std::fprintf(stderr, "CreateFileMapping() failed.\n");
+    send_error_line(message);
     std::exit(1);
 }
 
 void tb_fail_view(const char* directory, const char* file_name, unsigned long error)
 {
-    std::fprintf(stderr, "MapViewOfFile() failed, name = %s%s, error = %lu.\n", directory, file_name, error);
+    char line[640];
+    send_error_line(format_line(line, sizeof line, "MapViewOfFile() failed, name = %s%s, error = %lu.", directory,
+                                file_name, error));
     std::exit(1);
 }

@@ -77,23 +77,48 @@ void print_spin(const char* name)
 }
 
 // The hash table, the worker pool and the tablebase files cannot change
-// under a running search: such changes wait for it to end.
+// under a running search: such changes wait for it to end. A size the
+// machine cannot give is refused and the engine plays on with what it has.
 void resize_hash()
 {
-    if (settings.hash_mb != tt_megabytes() && !allocate_hash(settings.hash_mb))
-        std::exit(-1);
+    int current = tt_megabytes();
+    if (settings.hash_mb == current || allocate_hash(settings.hash_mb))
+        return;
+    char line[128];
+    send_line(format_line(line, sizeof line, "info string could not allocate %d Mbytes for hash table, keeping %d",
+                          settings.hash_mb, current));
+    settings.hash_mb = search_settings.hash_mb = int16_t(current);
 }
 
 void restart_threads()
 {
-    if (settings.threads == limits.thread_count)
+    int current = limits.thread_count;
+    if (settings.threads == current)
         return;
     stop_threads();
     limits.thread_count = settings.threads;
-    if (!start_threads(settings.threads)) {
-        send_line("error!");
-        std::exit(-1);
+    if (start_threads(settings.threads))
+        return;
+    char line[128];
+    send_line(format_line(line, sizeof line, "info string could not start %d search threads, keeping %d",
+                          int(settings.threads), current));
+    settings.threads = search_settings.threads = int16_t(current);
+    limits.thread_count = current;
+    if (!start_threads(current)) {
+        // Not even the pool it had: one thread is the least a search needs.
+        settings.threads = search_settings.threads = 1;
+        limits.thread_count = 1;
+        start_threads(1);
     }
+}
+
+// Clear_Hash sent during a search is carried out when the search ends.
+bool clear_hash_waiting = false;
+
+void clear_hash_now()
+{
+    clear_hash_table();
+    send_line("info string Hash table cleared");
 }
 
 char tablebase_path[PATH_SIZE];
@@ -140,6 +165,10 @@ void apply_waiting_settings()
 {
     resize_hash();
     restart_threads();
+    if (clear_hash_waiting) {
+        clear_hash_waiting = false;
+        clear_hash_now();
+    }
     if (std::strcmp(tablebase_path, settings.syzygy_path))
         reload_tablebases();
     settings_reach_the_search();
@@ -224,9 +253,10 @@ void set_option(const char* name, const char* value)
         if (!busy)
             restart_threads();
     } else if (!std::strcmp(name, "Clear_Hash")) {
-        if (count_busy_threads() == 0)
-            clear_hash_table();
-        send_line("info string Hash table cleared");
+        if (busy)
+            clear_hash_waiting = true;
+        else
+            clear_hash_now();
     } else if (!std::strcmp(name, "ConfigFilePath")) {
         copy_text(settings.config_file_path, PATH_SIZE, value);
         echo_path("ConfigFilePath", settings.config_file_path);

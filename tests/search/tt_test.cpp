@@ -3,7 +3,9 @@
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>
+#include <cstring>
 #include <random>
+#include <sys/resource.h>
 
 namespace
 {
@@ -143,4 +145,39 @@ TEST_F(TransTableTest, HashfullSamplesTheMiddle)
     tt_clear();
     tt_new_search();
     EXPECT_LT(probe_key(rng()).depth, -9);
+}
+
+// Clearing in slices, as the workers do, leaves no entry behind whatever the
+// number of workers: the last slice takes the remainder of the even split.
+TEST_F(TransTableTest, ClearingInSlicesLeavesNothing)
+{
+    uint64_t words = (uint64_t(tt.entries) + 16) * 2;
+    for (int workers : {1, 2, 3, 7, 128}) {
+        std::memset(tt.words, 0xA5, words * 8);
+        for (int i = 0; i < workers; i++)
+            tt_clear_slice(i, workers);
+        uint64_t left = 0;
+        for (uint64_t w = 0; w < words; w++)
+            left += tt.words[w] != 0;
+        EXPECT_EQ(left, 0u) << workers << " workers";
+    }
+}
+
+// A table that cannot be had leaves the one in use as it was.
+TEST_F(TransTableTest, AFailedResizeKeepsTheTable)
+{
+    store_key(0x1234567890ABCDEFULL, 7, 55);
+    struct rlimit saved;
+    getrlimit(RLIMIT_AS, &saved);
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers reserve more address space than the limit allows";
+#endif
+    struct rlimit tight = saved;
+    tight.rlim_cur = 8ULL << 30;
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+    int got = tt_allocate(16384);
+    setrlimit(RLIMIT_AS, &saved);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(tt_megabytes(), 1);
+    EXPECT_EQ(probe_key(0x1234567890ABCDEFULL).score, 55);
 }

@@ -8,10 +8,12 @@
 #include <poll.h>
 #include <signal.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir)
+EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir,
+                             size_t address_space_mb)
 {
     int to_child[2], from_child[2];
     if (pipe(to_child) != 0 || pipe(from_child) != 0)
@@ -24,6 +26,10 @@ EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::st
         close(from_child[0]);
         if (!workdir.empty() && chdir(workdir.c_str()) != 0)
             _exit(127);
+        if (address_space_mb) {
+            struct rlimit cap = {rlim_t(address_space_mb) << 20, rlim_t(address_space_mb) << 20};
+            setrlimit(RLIMIT_AS, &cap);
+        }
         std::vector<char*> argv;
         argv.push_back(const_cast<char*>(KORVEL_BINARY));
         for (const std::string& a : args)

@@ -1,6 +1,7 @@
 // Runs the real engine binary as a child process over pipes, as a GUI does.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -8,7 +9,10 @@
 class EngineProcess
 {
   public:
-    explicit EngineProcess(const std::vector<std::string>& args = {}, const std::string& workdir = "");
+    // `address_space_mb` > 0 caps the child's address space, so that a large
+    // allocation or many threads fail as on a machine without the memory.
+    explicit EngineProcess(const std::vector<std::string>& args = {}, const std::string& workdir = "",
+                           size_t address_space_mb = 0);
     ~EngineProcess();
 
     void send(const std::string& text); // raw bytes, no newline added

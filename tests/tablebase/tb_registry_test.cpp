@@ -2,10 +2,13 @@
 // shared character budget of a lookup, and room for every six-man name.
 #include "tablebase/tbprobe.h"
 
+#include "tablebase/tb_files.h"
 #include "tablebase/tb_fixtures.h"
 
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -153,6 +156,29 @@ TEST(TbRegistry, FilesThatVanishAreReported)
     EXPECT_EQ(probe(board, KRK), 4);
     EXPECT_EQ(tb_probe_root(board.set(KRK), &move), -1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not find KRvK.rtbz\n");
+    tb_init("");
+    remove_directory(dir);
+}
+
+// A table file that cannot be measured or is no file at all takes only its
+// own table out of play: the probe fails and the engine goes on.
+TEST(TbRegistry, UnreadableFilesTakeOnlyTheirTableOut)
+{
+    std::string dir = directory_with({"KRvK.rtbw"});
+    ASSERT_EQ(mkdir((dir + "/KQvK.rtbw").c_str(), 0755), 0);
+    TestBoard board;
+    tb_init(dir.c_str());
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(probe(board, KQK), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
+    EXPECT_EQ(probe(board, KRK), 4);
+
+    TbMapping m = {nullptr, 0, -1};
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(tb_map_file(-1, 0, "KRvK.rtbw", &m));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("fstat() failed, name = " + dir + "/KRvK.rtbw"),
+              std::string::npos);
+    EXPECT_EQ(m.fd, -1);
     tb_init("");
     remove_directory(dir);
 }
