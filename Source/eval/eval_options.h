@@ -24,9 +24,6 @@ enum Personality : int8_t {
     PERSONALITY_COUNT
 };
 
-// The option names of the weights, in enum order.
-extern const char* const PERSONALITY_NAMES[PERSONALITY_COUNT];
-
 struct EvalOptions {
     int16_t personality[PERSONALITY_COUNT][2]; // opening, endgame percentages (20..200)
     int contempt;                              // centipawns against draws, -150..150

@@ -21,6 +21,30 @@ enum SearchSetting {
     SEARCH_SETTING_COUNT
 };
 
+// Each search setting's name, the console word that sets it (none for the
+// margins and reductions, which only a rebuilt engine changes), its default
+// and the range the console word accepts.
+struct SearchSettingSpec {
+    const char* name;
+    const char* console_word;
+    int16_t def, min, max;
+};
+
+inline constexpr SearchSettingSpec SEARCH_SETTINGS[SEARCH_SETTING_COUNT] = {
+    {"leading", nullptr, 0, 0, 0},
+    {"SEP_depth", "SEP_depth", 3, 0, 100},
+    {"SEP_mult", nullptr, 75, 75, 75},
+    {"NMP_depth", "NMP_depth", 3, 0, 100},
+    {"FP_depth", "FP_depth", 3, 0, 100},
+    {"FP_mult", nullptr, 125, 125, 125},
+    {"PC_depth", "ProbCut_depth", 3, 0, 100},
+    {"PC_red", nullptr, 3, 3, 3},
+    {"PC_margin", nullptr, 100, 100, 100},
+    {"LMP_depth", "LMP_depth", 6, 0, 100},
+    {"LMP_mult", nullptr, 2, 2, 2},
+    {"LMR_depth", "LMR_depth", 3, 0, 100},
+};
+
 struct SearchConfig {
     int16_t changed; // the derived search and evaluation tables need rebuilding
     int16_t hash_mb; // below 1 the search neither probes nor stores

@@ -1,7 +1,6 @@
 #include "search/tt.h"
 
 #include "board/movegen.h"
-#include "board/zobrist.h"
 #include "search/search_values.h"
 
 #include <algorithm>
@@ -14,7 +13,6 @@ TransTable tt;
 namespace
 {
 
-bool keys_made = false;
 void* mapped = nullptr;
 size_t mapped_bytes = 0;
 constexpr size_t HUGE_PAGE = 2 * 1024 * 1024;
@@ -108,7 +106,6 @@ void zero_range(uint64_t first, uint64_t count)
 
 } // namespace
 
-
 void tt_free()
 {
     if (mapped)
@@ -121,10 +118,6 @@ void tt_free()
 
 int tt_allocate(int megabytes)
 {
-    if (!keys_made) {
-        init_zobrist();
-        keys_made = true;
-    }
     uint32_t entries = uint32_t(megabytes) * 65536u;
     size_t bytes = (size_t(entries) + 16) * 16;
     // Mapped on a huge-page boundary and, up to a gigabyte, offered for huge
@@ -182,7 +175,6 @@ void tt_new_search()
     if (tt.age >= 16)
         tt.age = 1;
 }
-
 
 void tt_probe(const Position* pos, TransEntry* result)
 {

@@ -36,8 +36,8 @@ void tb_report_close_failure(int error)
 void tb_report_unmeasured(const char* directory, const char* file_name, int error)
 {
     char line[640];
-    send_error_line(format_line(line, sizeof line, "fstat() failed, name = %s%s, error = %d.", directory, file_name,
-                                error));
+    send_error_line(
+        format_line(line, sizeof line, "fstat() failed, name = %s%s, error = %d.", directory, file_name, error));
 }
 
 void tb_fail_capacity(const char* message)

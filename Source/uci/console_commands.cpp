@@ -69,15 +69,6 @@ void echo_setting(const char* name, int value)
     send_line(format_line(line, sizeof line, "%s set to %d", name, value));
 }
 
-// The search depth settings a console word may set, by its name.
-struct DepthWord {
-    const char* word;
-    int setting;
-};
-
-const DepthWord DEPTH_WORDS[] = {{"NMP_depth", NMP_DEPTH},    {"SEP_depth", SEP_DEPTH}, {"FP_depth", FP_DEPTH},
-                                 {"ProbCut_depth", PC_DEPTH}, {"LMP_depth", LMP_DEPTH}, {"LMR_depth", LMR_DEPTH}};
-
 void search_setting(int index, int value)
 {
     settings.search[index] = int16_t(value);
@@ -320,13 +311,15 @@ void handle_console_command(char* line)
     const char* arg = w.text[1];
     if (!*cmd)
         return;
-    for (const DepthWord& d : DEPTH_WORDS)
-        if (!std::strcmp(cmd, d.word)) {
-            int v = clamp_int(std::atol(arg), 0, 100);
-            search_setting(d.setting, v);
+    for (int i = 0; i < SEARCH_SETTING_COUNT; i++) {
+        const SearchSettingSpec& d = SEARCH_SETTINGS[i];
+        if (d.console_word && !std::strcmp(cmd, d.console_word)) {
+            int v = clamp_int(std::atol(arg), d.min, d.max);
+            search_setting(i, v);
             echo_setting(cmd, v);
             return;
         }
+    }
     if (!std::strcmp(cmd, "quit")) {
         stop_and_wait(STOP_SILENT);
         quit_requested = true;

@@ -1,5 +1,6 @@
 // Korvel: start-up, the command line and shut-down.
 #include "board/fen.h"
+#include "board/zobrist.h"
 #include "book/book_builder.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
@@ -205,9 +206,11 @@ void run_job()
     case RUN_TRAIN:
         train_from_file(tool_file, train_rate, clamp_int(train_positions, 1, 2000000000));
         break;
-    case RUN_MATCH:
     case RUN_MKCONFIG:
-        break; // accepted words without a job
+        print_config_file();
+        break;
+    case RUN_MATCH:
+        break; // an accepted word without a job
     default:
         calibrate_speed();
         init_tablebases();
@@ -220,6 +223,9 @@ void run_job()
 
 int main(int argc, char** argv)
 {
+    // The attack tables are filled before main; the hashing keys come next,
+    // before anything can set up a position.
+    init_zobrist();
     set_default_settings();
     install_search_output();
     protocol_mode = 1;

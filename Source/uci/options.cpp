@@ -7,6 +7,7 @@
 #include "tablebase/tbprobe.h"
 #include "uci/bounded_input.h"
 #include "uci/console_commands.h"
+#include "uci/option_table.h"
 #include "uci/settings.h"
 
 #include <cstdio>
@@ -16,65 +17,10 @@
 namespace
 {
 
-struct SpinOption {
-    const char* name;
-    int16_t EngineSettings::*field;
-    int min, max;  // accepted by set_option
-    int shown_min; // shown to the interface
-};
-
 // A ConfigFilePath line inside a configuration file loads another file; this
 // bounds the nesting so that a file naming itself cannot recurse forever.
 int config_nesting = 0;
 constexpr int MAX_CONFIG_NESTING = 4;
-
-const SpinOption SPIN_OPTIONS[] = {
-    {"Hash", &EngineSettings::hash_mb, 0, 16384, 0},
-    {"Threads", &EngineSettings::threads, 0, 128, 1},
-    {"MoveOverhead", &EngineSettings::move_overhead, 0, 5000, 0},
-    {"MultiPV", &EngineSettings::multi_pv, 1, 255, 1},
-    {"UCI_Elo", &EngineSettings::elo, 1500, 3300, 1500},
-    {"OwnBook_Variety", &EngineSettings::book_variety, 0, 100, 0},
-    {"OwnBook_Depth", &EngineSettings::book_depth, 0, 60, 0},
-    {"OwnBook2_Depth", &EngineSettings::book2_depth, 0, 60, 0},
-    {"SyzygyProbeDepth5", &EngineSettings::tb_probe_depth5, -5, 100, -5},
-    {"SyzygyProbeDepth6", &EngineSettings::tb_probe_depth6, -5, 100, -5},
-    {"Contempt", &EngineSettings::contempt, -150, 150, -150},
-    {"Selectivity", &EngineSettings::selectivity, 0, 200, 0},
-};
-
-struct CheckOption {
-    const char* name;
-    int16_t EngineSettings::*field;
-};
-
-const CheckOption CHECK_OPTIONS[] = {
-    {"Ponder", &EngineSettings::ponder},
-    {"UCI_LimitStrength", &EngineSettings::limit_strength},
-    {"OwnBook", &EngineSettings::own_book},
-    {"Log", &EngineSettings::log_enabled},
-};
-
-const SpinOption* find_spin(const char* name)
-{
-    for (const SpinOption& o : SPIN_OPTIONS)
-        if (!std::strcmp(o.name, name))
-            return &o;
-    return nullptr;
-}
-
-void print_spin(const char* name)
-{
-    const SpinOption* o = find_spin(name);
-    int max = o->max;
-    if (o->field == &EngineSettings::elo)
-        max = full_strength_elo();
-    // An interface refuses an option whose default lies outside its range.
-    int shown = clamp_int(search_settings.*(o->field), o->shown_min, max);
-    char line[256];
-    send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", name, shown,
-                          o->shown_min, max));
-}
 
 // The hash table, the worker pool and the tablebase files cannot change
 // under a running search: such changes wait for it to end. A size the
@@ -129,34 +75,142 @@ void reload_tablebases()
     tb_init(tablebase_path);
 }
 
-void print_check(const char* name, int16_t value)
-{
-    char line[256];
-    send_line(format_line(line, sizeof line, "option name %s type check default %s", name, value ? "true" : "false"));
-}
-
-void print_string(const char* name, const char* value)
-{
-    char line[256];
-    send_line(format_line(line, sizeof line, "option name %s type string default %s", name, value));
-}
-
 void echo_path(const char* name, const char* path)
 {
     char line[256];
     send_line(format_line(line, sizeof line, "info string %s set to '%s'", name, path));
 }
 
-void set_personality(int index, const char* value)
+// "opening,endgame": the text up to the comma is the opening half; the
+// endgame half is kept when nothing follows the comma.
+void set_pair(const OptionSpec& o, const char* value)
 {
-    int16_t* pair = settings.personality[index];
+    int16_t* pair = settings.personality[o.pair];
     const char* comma = std::strchr(value, ',');
-    pair[0] = int16_t(clamp_int(std::strtoll(value, nullptr, 10), 20, 200));
+    pair[0] = int16_t(clamp_int(std::strtoll(value, nullptr, 10), o.min, o.max));
     if (comma && comma[1] && comma[1] != ' ')
-        pair[1] = int16_t(clamp_int(std::strtoll(comma + 1, nullptr, 10), 20, 200));
+        pair[1] = int16_t(clamp_int(std::strtoll(comma + 1, nullptr, 10), o.min, o.max));
     char line[256];
-    send_line(
-        format_line(line, sizeof line, "info string %s set to %d,%d", PERSONALITY_NAMES[index], pair[0], pair[1]));
+    send_line(format_line(line, sizeof line, "info string %s set to %d,%d", o.name, pair[0], pair[1]));
+}
+
+// The value an option has in `s`, as the "uci" answer and -mkconfig show it.
+const char* shown_value(const OptionSpec& o, const EngineSettings& s, char* buffer, size_t size)
+{
+    switch (o.kind) {
+    case OPTION_SPIN:
+        format_line(buffer, size, "%d", s.*(o.number));
+        break;
+    case OPTION_CHECK:
+        format_line(buffer, size, "%s", s.*(o.number) ? "true" : "false");
+        break;
+    case OPTION_STRING:
+        format_line(buffer, size, "%s", s.*(o.text));
+        break;
+    case OPTION_PAIR:
+        format_line(buffer, size, "%d,%d", s.personality[o.pair][0], s.personality[o.pair][1]);
+        break;
+    case OPTION_BUTTON:
+        buffer[0] = 0;
+        break;
+    }
+    return buffer;
+}
+
+void print_option_line(const OptionSpec& o, const EngineSettings& s)
+{
+    char line[256], value[PATH_SIZE];
+    switch (o.kind) {
+    case OPTION_SPIN: {
+        int max = o.number == &EngineSettings::elo ? full_strength_elo() : o.max;
+        // An interface refuses an option whose default lies outside its range.
+        int shown = clamp_int(s.*(o.number), o.shown_min, max);
+        send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", o.name, shown,
+                              o.shown_min, max));
+        break;
+    }
+    case OPTION_CHECK:
+        send_line(format_line(line, sizeof line, "option name %s type check default %s", o.name,
+                              shown_value(o, s, value, sizeof value)));
+        break;
+    case OPTION_BUTTON:
+        send_line(format_line(line, sizeof line, "option name %s type button", o.name));
+        break;
+    case OPTION_STRING:
+    case OPTION_PAIR:
+        send_line(format_line(line, sizeof line, "option name %s type string default %s", o.name,
+                              shown_value(o, s, value, sizeof value)));
+        break;
+    }
+}
+
+// Stores the value of `o` from its text and echoes it.
+void store_value(const OptionSpec& o, const char* value)
+{
+    char line[256];
+    switch (o.kind) {
+    case OPTION_SPIN: {
+        int v = clamp_int(std::strtoll(value, nullptr, 10), o.min, o.max);
+        send_line(format_line(line, sizeof line, "info string %s set to %d", o.name, v));
+        settings.*(o.number) = int16_t(v);
+        break;
+    }
+    case OPTION_CHECK: {
+        int v = std::strstr(value, "true") ? 1 : 0;
+        send_line(format_line(line, sizeof line, "info string %s set to %d", o.name, v));
+        settings.*(o.number) = int16_t(v);
+        break;
+    }
+    case OPTION_STRING:
+        copy_text(settings.*(o.text), PATH_SIZE, value);
+        echo_path(o.name, settings.*(o.text));
+        break;
+    case OPTION_PAIR:
+        set_pair(o, value);
+        break;
+    case OPTION_BUTTON:
+        break;
+    }
+}
+
+// What a change sets off. The table, the pool and the tablebases cannot
+// change under a running search: those wait for its end.
+void carry_out(OptionEffect effect)
+{
+    bool busy = search_in_progress();
+    switch (effect) {
+    case EFFECT_NONE:
+        break;
+    case EFFECT_HASH:
+        if (!busy)
+            resize_hash();
+        break;
+    case EFFECT_THREADS:
+        if (!busy)
+            restart_threads();
+        break;
+    case EFFECT_CLEAR_HASH:
+        if (busy)
+            clear_hash_waiting = true;
+        else
+            clear_hash_now();
+        break;
+    case EFFECT_CONFIG_FILE:
+        if (config_nesting < MAX_CONFIG_NESTING)
+            load_config_file();
+        break;
+    case EFFECT_TABLEBASES:
+        if (!busy)
+            reload_tablebases();
+        break;
+    case EFFECT_LOG:
+        if (settings.log_enabled)
+            open_log();
+        else
+            close_log_flag();
+        settings.log_enabled = log_is_enabled() ? 1 : 0;
+        break;
+    }
 }
 
 } // namespace
@@ -197,92 +251,34 @@ int allocate_hash(int megabytes)
 
 void print_option_lines()
 {
-    const EngineSettings& s = search_settings;
-    print_string("ConfigFilePath", s.config_file_path);
-    print_spin("Hash");
-    print_spin("Threads");
-    send_line("option name Clear_Hash type button");
-    print_check("OwnBook", s.own_book);
-    print_string("OwnBook_File", s.book_file);
-    print_spin("OwnBook_Depth");
-    print_string("OwnBook2_File", s.book2_file);
-    print_spin("OwnBook2_Depth");
-    print_spin("OwnBook_Variety");
-    print_string("SyzygyPath", s.syzygy_path);
-    print_spin("SyzygyProbeDepth5");
-    print_spin("SyzygyProbeDepth6");
-    print_check("Log", s.log_enabled);
-    print_check("Ponder", s.ponder);
-    print_spin("MultiPV");
-    print_spin("MoveOverhead");
-    print_check("UCI_LimitStrength", s.limit_strength);
     if (settings.elo == 0) {
         settings.elo = int16_t(full_strength_elo());
         search_settings.elo = settings.elo;
     }
-    print_spin("UCI_Elo");
-    print_spin("Contempt");
-    print_spin("Selectivity");
-    for (int i = 0; i < PERSONALITY_COUNT; i++) {
-        char pair[32];
-        format_line(pair, sizeof pair, "%d,%d", s.personality[i][0], s.personality[i][1]);
-        print_string(PERSONALITY_NAMES[i], pair);
-    }
+    for (const OptionSpec* o = OPTIONS; o < OPTIONS + OPTION_COUNT; o++)
+        print_option_line(*o, search_settings);
 }
 
 void set_option(const char* name, const char* value)
 {
-    char line[256];
-    if (const SpinOption* o = find_spin(name)) {
-        int v = clamp_int(std::strtoll(value, nullptr, 10), o->min, o->max);
-        send_line(format_line(line, sizeof line, "info string %s set to %d", name, v));
-        settings.*(o->field) = int16_t(v);
-    }
-    for (const CheckOption& o : CHECK_OPTIONS) {
-        if (std::strcmp(o.name, name))
-            continue;
-        int v = std::strstr(value, "true") ? 1 : 0;
-        send_line(format_line(line, sizeof line, "info string %s set to %d", name, v));
-        settings.*(o.field) = int16_t(v);
-    }
-    bool busy = search_in_progress();
-    if (!std::strcmp(name, "Hash")) {
-        if (!busy)
-            resize_hash();
-    } else if (!std::strcmp(name, "Threads")) {
-        if (!busy)
-            restart_threads();
-    } else if (!std::strcmp(name, "Clear_Hash")) {
-        if (busy)
-            clear_hash_waiting = true;
-        else
-            clear_hash_now();
-    } else if (!std::strcmp(name, "ConfigFilePath")) {
-        copy_text(settings.config_file_path, PATH_SIZE, value);
-        echo_path("ConfigFilePath", settings.config_file_path);
-        if (config_nesting < MAX_CONFIG_NESTING)
-            load_config_file();
-    } else if (!std::strcmp(name, "OwnBook_File")) {
-        copy_text(settings.book_file, PATH_SIZE, value);
-        echo_path("OwnBook_File", settings.book_file);
-    } else if (!std::strcmp(name, "OwnBook2_File")) {
-        copy_text(settings.book2_file, PATH_SIZE, value);
-        echo_path("OwnBook2_File", settings.book2_file);
-    } else if (!std::strcmp(name, "SyzygyPath")) {
-        copy_text(settings.syzygy_path, PATH_SIZE, value);
-        echo_path("SyzygyPath", settings.syzygy_path);
-        if (!busy)
-            reload_tablebases();
-    } else if (!std::strcmp(name, "Log")) {
-        if (settings.log_enabled)
-            open_log();
-        else
-            close_log_flag();
-        settings.log_enabled = log_is_enabled() ? 1 : 0;
-    } else {
-        for (int i = 0; i < PERSONALITY_COUNT; i++)
-            if (!std::strcmp(name, PERSONALITY_NAMES[i]))
-                set_personality(i, value);
+    const OptionSpec* o = find_option(name);
+    if (!o)
+        return;
+    store_value(*o, value);
+    carry_out(o->effect);
+}
+
+void print_config_file()
+{
+    send_line("# Korvel options: name = value, one a line; \"#\" starts a comment");
+    char line[256], value[PATH_SIZE];
+    for (const OptionSpec* o = OPTIONS; o < OPTIONS + OPTION_COUNT; o++) {
+        // UCI_Elo 0 stands for the engine's own estimate, which only stays
+        // so when the file does not name it.
+        bool unset = o->kind == OPTION_SPIN && (settings.*(o->number) < o->min || settings.*(o->number) > o->max);
+        if (o->kind != OPTION_BUTTON && o->effect != EFFECT_CONFIG_FILE && !unset)
+            send_line(
+                format_line(line, sizeof line, "%s = %s", o->name, shown_value(*o, settings, value, sizeof value)));
     }
 }
 
@@ -330,11 +326,9 @@ int load_config_file()
 
 void print_search_parameters()
 {
-    static const char* const names[SEARCH_SETTING_COUNT] = {"leading",   "SEP_depth", "SEP_mult", "NMP_depth",
-                                                            "FP_depth",  "FP_mult",   "PC_depth", "PC_red",
-                                                            "PC_margin", "LMP_depth", "LMP_mult", "LMR_depth"};
     char line[256];
     for (int i = 1; i < SEARCH_SETTING_COUNT; i++)
-        send_line(format_line(line, sizeof line, "info string %s= %d", names[i], search_settings.search[i]));
+        send_line(
+            format_line(line, sizeof line, "info string %s= %d", SEARCH_SETTINGS[i].name, search_settings.search[i]));
     send_line(format_line(line, sizeof line, "info string Selectivity= %d", search_settings.selectivity));
 }

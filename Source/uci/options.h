@@ -14,6 +14,9 @@ void set_option(const char* name, const char* value);
 // allocated %d Mbytes for hash table"); 0 when the memory cannot be had.
 int allocate_hash(int megabytes);
 
+// Writes every option with its value as lines of a configuration file.
+void print_config_file();
+
 // Reads "name = value" lines from the file named by ConfigFilePath.
 // Returns 1 when the file was read, 0 when it could not be opened.
 int load_config_file();

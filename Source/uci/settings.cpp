@@ -3,6 +3,7 @@
 #include "search/limits.h"
 #include "search/threads.h"
 #include "tablebase/tbprobe.h"
+#include "uci/option_table.h"
 
 #include <cstring>
 
@@ -15,26 +16,14 @@ void set_default_settings()
     EngineSettings s;
     std::memset(&s, 0, sizeof s);
     s.changed = 1;
-    s.hash_mb = 64;
-    s.threads = 1;
-    s.move_overhead = 50;
-    s.ponder = 1;
-    s.multi_pv = 1;
-    s.limit_strength = 0;
-    s.elo = 0;
-    s.log_enabled = 0;
-    s.own_book = 0;
-    s.book_variety = 25;
-    s.book_depth = 24;
-    s.book2_depth = 0;
-    s.tb_probe_depth5 = 0;
-    s.tb_probe_depth6 = 1;
-    s.contempt = 0;
-    s.selectivity = 100;
-    const int16_t search_defaults[SEARCH_SETTING_COUNT] = {0, 3, 75, 3, 3, 125, 3, 3, 100, 6, 2, 3};
-    std::memcpy(s.search, search_defaults, sizeof search_defaults);
-    for (auto& pair : s.personality)
-        pair[0] = pair[1] = 100;
+    for (const OptionSpec* o = OPTIONS; o < OPTIONS + OPTION_COUNT; o++) {
+        if (o->number)
+            s.*(o->number) = o->def;
+        if (o->kind == OPTION_PAIR)
+            s.personality[o->pair][0] = s.personality[o->pair][1] = o->def;
+    }
+    for (int i = 0; i < SEARCH_SETTING_COUNT; i++)
+        s.search[i] = SEARCH_SETTINGS[i].def;
     search_settings = s;
     settings = s;
     publish_settings();

@@ -4,7 +4,6 @@
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/notation.h"
-#include "eval/eval_options.h"
 #include "eval/params.h"
 #include "fuzz_input.h"
 #include "fuzz_support.h"
@@ -13,6 +12,7 @@
 #include "search/threads.h"
 #include "support/engine_session.h"
 #include "uci/game.h"
+#include "uci/option_table.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -277,49 +277,33 @@ std::string go_command(FuzzInput* in)
     return line;
 }
 
-struct OptionShape {
-    const char* name;
-    int kind; // 0 spin (lo..hi), 1 check, 2 button, 3 path, 4 pair
-    int lo, hi;
-};
-
-const OptionShape OPTIONS[] = {
-    {"Hash", 0, 0, 64},           {"Threads", 0, 0, 8},        {"Clear_Hash", 2, 0, 0},
-    {"MultiPV", 0, 0, 6},         {"Ponder", 1, 0, 0},         {"MoveOverhead", 0, 0, 200},
-    {"UCI_LimitStrength", 1, 0, 0}, {"UCI_Elo", 0, 1400, 3400}, {"Contempt", 0, -200, 200},
-    {"Selectivity", 0, 0, 220},   {"OwnBook", 1, 0, 0},        {"OwnBook_File", 3, 0, 0},
-    {"OwnBook2_File", 3, 0, 0},   {"OwnBook_Depth", 0, 0, 70}, {"OwnBook2_Depth", 0, 0, 70},
-    {"OwnBook_Variety", 0, 0, 110}, {"SyzygyPath", 3, 0, 0},   {"SyzygyProbeDepth5", 0, -6, 101},
-    {"SyzygyProbeDepth6", 0, -6, 101}, {"Log", 1, 0, 0},       {"ConfigFilePath", 3, 0, 0},
-};
-
+// Every option of the engine's table, with values a little beyond its
+// range; the table and the thread pool stay small so that a session stays
+// quick.
 std::string setoption_command(FuzzInput* in)
 {
-    std::string name, value;
-    if (take_chance(in, 5)) {
-        name = PERSONALITY_NAMES[take_range(in, 0, PERSONALITY_COUNT - 1)];
+    const OptionSpec& o = OPTIONS[take_range(in, 0, OPTION_COUNT - 1)];
+    std::string name = o.name, value;
+    switch (o.kind) {
+    case OPTION_SPIN: {
+        int hi = o.effect == EFFECT_HASH ? 64 : o.effect == EFFECT_THREADS ? 8 : o.max + 1;
+        value = take_chance(in, 16) && o.effect == EFFECT_HASH ? "16384" : number(in, o.min - 1, hi);
+        break;
+    }
+    case OPTION_CHECK:
+        value = take_one_of(in, {"true", "false", "TRUE", "xtruex", ""});
+        break;
+    case OPTION_BUTTON:
+        value = "x";
+        break;
+    case OPTION_STRING:
+        value = take_one_of(in, FILE_NAMES);
+        break;
+    case OPTION_PAIR:
         value = number(in, 0, 250);
         if (take_chance(in, 2))
             value += "," + number(in, 0, 250);
-    } else {
-        const OptionShape& o = OPTIONS[take_range(in, 0, int(sizeof OPTIONS / sizeof *OPTIONS) - 1)];
-        name = o.name;
-        switch (o.kind) {
-        case 0:
-            value = take_chance(in, 16) && o.name[0] == 'H' ? "16384" : number(in, o.lo, o.hi);
-            break;
-        case 1:
-            value = take_one_of(in, {"true", "false", "TRUE", "xtruex", ""});
-            break;
-        case 2:
-            value = "x";
-            break;
-        case 3:
-            value = take_one_of(in, FILE_NAMES);
-            break;
-        default:
-            break;
-        }
+        break;
     }
     switch (take_range(in, 0, 9)) {
     case 0:

@@ -1,6 +1,7 @@
 // Options, configuration files and command-line switches, from outside.
 #include "support/engine_process.h"
 
+#include <algorithm>
 #include <fstream>
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -154,6 +155,38 @@ TEST(Options, ConfigurationFiles)
     EXPECT_NE(e.wait_for("info string Selectivity set to 150"), "");
     EXPECT_EQ(e.ask("isready", "readyok"), "readyok");
     EXPECT_EQ(e.quit(), 0);
+
+    // -mkconfig writes every option as a configuration file; read back, it
+    // gives the engine the same "uci" answer.
+    std::vector<std::string> written;
+    {
+        EngineProcess maker({"-hash", "8", "-book", "/tmp/b.bin", "-mkconfig"});
+        std::string line;
+        while (maker.read_line(&line, 10000))
+            written.push_back(line);
+        EXPECT_EQ(maker.wait_exit(), 0);
+    }
+    ASSERT_GT(written.size(), 30u);
+    {
+        std::ofstream cfg(dir + "/made.cfg");
+        for (const std::string& l : written)
+            cfg << l << "\n";
+    }
+    EngineProcess from_file({"-cfg", dir + "/made.cfg"});
+    EngineProcess from_switches({"-hash", "8", "-book", "/tmp/b.bin"});
+    // Both engines estimate their own strength, each its own figure.
+    auto comparable = [](std::vector<std::string> answer) {
+        std::erase_if(answer, [](const std::string& l) {
+            return l.find("name UCI_Elo ") != std::string::npos || l.find("name ConfigFilePath ") != std::string::npos;
+        });
+        return answer;
+    };
+    std::vector<std::string> expected = comparable(uci_answer(from_switches));
+    EXPECT_EQ(comparable(uci_answer(from_file)), expected);
+    EXPECT_NE(std::find(expected.begin(), expected.end(), "option name OwnBook_File type string default /tmp/b.bin"),
+              expected.end());
+    from_file.quit();
+    from_switches.quit();
 }
 
 TEST(Switches, CommandLine)

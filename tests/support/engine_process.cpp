@@ -12,8 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir,
-                             size_t address_space_mb)
+EngineProcess::EngineProcess(const std::vector<std::string>& args, const std::string& workdir, size_t address_space_mb)
 {
     int to_child[2], from_child[2];
     if (pipe(to_child) != 0 || pipe(from_child) != 0)

@@ -1,6 +1,7 @@
 #include "support/engine_session.h"
 
 #include "board/fen.h"
+#include "board/zobrist.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "output/output.h"
@@ -63,6 +64,7 @@ void session_engine_start(int threads, int hash_mb)
 {
     start_threads_count = threads;
     start_hash_mb = hash_mb;
+    init_zobrist();
     set_default_settings();
     install_search_output();
     protocol_mode = 1;

@@ -1,5 +1,6 @@
 #include "support/search_harness.h"
 
+#include "board/zobrist.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "search/clock.h"
@@ -21,6 +22,7 @@ void harness_start(int threads)
     if (started)
         return;
     started = true;
+    init_zobrist();
     set_default_settings();
     settings.hash_mb = search_settings.hash_mb = 16;
     publish_settings();

@@ -16,6 +16,7 @@ SearchThread* new_test_thread()
 {
     static bool keys = false;
     if (!keys) {
+        init_zobrist();
         set_default_settings();
         tt_allocate(1);
         keys = true;

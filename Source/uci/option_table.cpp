@@ -1,0 +1,80 @@
+#include "uci/option_table.h"
+
+#include <cstring>
+
+namespace
+{
+
+constexpr OptionSpec spin(const char* name, int16_t EngineSettings::*field, int def, int min, int max, int shown_min,
+                          OptionEffect effect = EFFECT_NONE)
+{
+    return {name, OPTION_SPIN, effect, int16_t(def), int16_t(min), int16_t(max), int16_t(shown_min), field, nullptr, 0};
+}
+
+constexpr OptionSpec check(const char* name, int16_t EngineSettings::*field, bool def,
+                           OptionEffect effect = EFFECT_NONE)
+{
+    return {name, OPTION_CHECK, effect, int16_t(def), 0, 1, 0, field, nullptr, 0};
+}
+
+constexpr OptionSpec text(const char* name, char (EngineSettings::*field)[PATH_SIZE], OptionEffect effect)
+{
+    return {name, OPTION_STRING, effect, 0, 0, 0, 0, nullptr, field, 0};
+}
+
+constexpr OptionSpec pair(const char* name, Personality weight)
+{
+    return {name, OPTION_PAIR, EFFECT_NONE, 100, 20, 200, 0, nullptr, nullptr, int8_t(weight)};
+}
+
+} // namespace
+
+// In the order of the "uci" answer. Threads accepts 0 although the
+// interface is shown 1 as the least.
+const OptionSpec OPTIONS[] = {
+    text("ConfigFilePath", &EngineSettings::config_file_path, EFFECT_CONFIG_FILE),
+    spin("Hash", &EngineSettings::hash_mb, 64, 0, 16384, 0, EFFECT_HASH),
+    spin("Threads", &EngineSettings::threads, 1, 0, 128, 1, EFFECT_THREADS),
+    {"Clear_Hash", OPTION_BUTTON, EFFECT_CLEAR_HASH, 0, 0, 0, 0, nullptr, nullptr, 0},
+    check("OwnBook", &EngineSettings::own_book, false),
+    text("OwnBook_File", &EngineSettings::book_file, EFFECT_NONE),
+    spin("OwnBook_Depth", &EngineSettings::book_depth, 24, 0, 60, 0),
+    text("OwnBook2_File", &EngineSettings::book2_file, EFFECT_NONE),
+    spin("OwnBook2_Depth", &EngineSettings::book2_depth, 0, 0, 60, 0),
+    spin("OwnBook_Variety", &EngineSettings::book_variety, 25, 0, 100, 0),
+    text("SyzygyPath", &EngineSettings::syzygy_path, EFFECT_TABLEBASES),
+    spin("SyzygyProbeDepth5", &EngineSettings::tb_probe_depth5, 0, -5, 100, -5),
+    spin("SyzygyProbeDepth6", &EngineSettings::tb_probe_depth6, 1, -5, 100, -5),
+    check("Log", &EngineSettings::log_enabled, false, EFFECT_LOG),
+    check("Ponder", &EngineSettings::ponder, true),
+    spin("MultiPV", &EngineSettings::multi_pv, 1, 1, 255, 1),
+    spin("MoveOverhead", &EngineSettings::move_overhead, 50, 0, 5000, 0),
+    check("UCI_LimitStrength", &EngineSettings::limit_strength, false),
+    // 0 stands for the full-strength estimate, shown as the maximum.
+    spin("UCI_Elo", &EngineSettings::elo, 0, 1500, 3300, 1500),
+    spin("Contempt", &EngineSettings::contempt, 0, -150, 150, -150),
+    spin("Selectivity", &EngineSettings::selectivity, 100, 0, 200, 0),
+    pair("Mtl_Pawn", WEIGHT_MTL_PAWN),
+    pair("Mtl_Knight", WEIGHT_MTL_KNIGHT),
+    pair("Mtl_Bishop", WEIGHT_MTL_BISHOP),
+    pair("Mtl_Rook", WEIGHT_MTL_ROOK),
+    pair("Mtl_Queen", WEIGHT_MTL_QUEEN),
+    pair("Activity_Knight", WEIGHT_ACTIVITY_KNIGHT),
+    pair("Activity_Bishop", WEIGHT_ACTIVITY_BISHOP),
+    pair("Activity_Rook", WEIGHT_ACTIVITY_ROOK),
+    pair("Activity_Queen", WEIGHT_ACTIVITY_QUEEN),
+    pair("Pawn_Structure", WEIGHT_PAWN_STRUCTURE),
+    pair("Passed_Pawns", WEIGHT_PASSED_PAWNS),
+    pair("King_Safety", WEIGHT_KING_SAFETY),
+    pair("Threats", WEIGHT_THREATS),
+};
+
+const int OPTION_COUNT = int(sizeof OPTIONS / sizeof *OPTIONS);
+
+const OptionSpec* find_option(const char* name)
+{
+    for (const OptionSpec& o : OPTIONS)
+        if (!std::strcmp(o.name, name))
+            return &o;
+    return nullptr;
+}
