@@ -100,4 +100,7 @@ constexpr uint16_t PHASE_WEIGHT[8] = {0, 0, 3, 3, 5, 10, 0, 0};
 
 // Undo history per thread; the search line and the game share it.
 constexpr int MAX_GAME_PLY = 900;
+// The longest line below a search's root: per-ply records and PV buffers
+// are this long (plus an end marker). The search's own ply and depth limits
+// derive from it.
 constexpr int MAX_PLY = 70;

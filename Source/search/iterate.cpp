@@ -29,7 +29,8 @@ namespace
 
 constexpr int UNSEARCHED = -11000;
 constexpr double CURRMOVE_AFTER = 3.5; // seconds before the main thread shows its current move
-constexpr int MAX_ITERATION = 69;
+constexpr int MAX_ITERATION = MAX_PLY - 1; // the loop's own bound beyond any depth limit
+static_assert(MAX_SEARCH_DEPTH < MAX_ITERATION, "a depth limit must end the loop before its own bound");
 constexpr int LAST_GAME_PLY = 883;
 constexpr int ROOT_REDUCTION_DEPTH = 6;
 constexpr int ROOT_REDUCTION_MOVES = 5;
@@ -229,7 +230,7 @@ void iterate(SearchThread* t)
                 for (int i = 0; i < worker_count(); i++)
                     if (worker(i)->iteration_depth >= d)
                         at_or_beyond++;
-                d = helper_depth(d, at_or_beyond, limits.thread_count);
+                d = helper_depth(d, at_or_beyond, worker_count());
             }
             for (int i = 0; i < t->root_count; i++) {
                 t->root_seed = t->root_seed * 19375u + 987654321u;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "board/types.h"
+#include "search/search_values.h"
 
 #include <atomic>
 #include <cstdint>
@@ -28,7 +29,8 @@ enum StopSignal : uint8_t {
 // search_mode values: only a timed search stops on the clock.
 enum SearchMode : uint8_t { MODE_UNTIMED = 1, MODE_PONDER = 2, MODE_TIMED = 3 };
 
-constexpr int MAX_SEARCH_DEPTH = 66;
+// The deepest iteration a depth limit may ask for: one past the ply limit.
+constexpr int MAX_SEARCH_DEPTH = MAX_SEARCH_PLY + 1;
 
 struct SearchLimits {
     std::atomic<uint8_t> search_state;
@@ -72,7 +74,6 @@ struct SearchLimits {
     std::atomic<int8_t> completed_depth;
 
     // Result.
-    uint16_t preset_move; // a book move, else 0
     uint16_t best_move;
     uint16_t ponder_move;
     int16_t best_score;
@@ -87,9 +88,6 @@ struct SearchLimits {
     double hash_fill;
     std::atomic<uint64_t> nodes_at_depth[MAX_PLY + 2];
 
-    int thread_count;
-    bool self_play; // console "self": the engine plays both sides
-    bool play_once; // console "move": the engine plays one move
 };
 
 extern SearchLimits limits;

@@ -1,6 +1,8 @@
 // Score conventions of the search.
 #pragma once
 
+#include "board/types.h"
+
 constexpr int INFINITE_SCORE = 10001;
 constexpr int MATE = 10000;      // a side mated at ply p scores p - MATE
 constexpr int MATE_BOUND = 9599; // scores this large are mate scores
@@ -10,7 +12,10 @@ constexpr int NEAR_MATE = 9000;  // exact table scores beyond this cut at any no
 constexpr int STORE_MATE = 9699;
 constexpr int STORE_MATE_LOW = 9698;
 constexpr int TB_WIN = 9800;       // tablebase wins score TB_WIN - ply
-constexpr int MAX_SEARCH_PLY = 65; // deeper nodes return their evaluation
+// Deeper nodes return their evaluation. A node one ply below it still writes
+// its per-ply record and the end of its line: both must fit MAX_PLY.
+constexpr int MAX_SEARCH_PLY = MAX_PLY - 5;
+static_assert(MAX_SEARCH_PLY + 2 <= MAX_PLY, "the deepest node's line must fit the buffers");
 constexpr int NO_SCORE = -10001;
 
 // Worth of a piece type for "worth more than" tests: P N B R Q K.

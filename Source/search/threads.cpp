@@ -135,7 +135,6 @@ bool start_threads(int n)
         stop_threads();
         return false;
     }
-    limits.thread_count = n;
     return true;
 }
 

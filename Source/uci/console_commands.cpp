@@ -23,6 +23,7 @@
 #include "tablebase/tbprobe.h"
 #include "tools/tuner.h"
 #include "uci/bounded_input.h"
+#include "uci/engine_loop.h"
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/position_editor.h"
@@ -247,7 +248,7 @@ void tune_command(const Words& w)
     // Training rewrites the evaluation's rows and works on the main worker's
     // record, both of which a search thinking about an engine move is using:
     // the engine stops first, and self-play ends with it.
-    limits.self_play = limits.play_once = false;
+    cancel_engine_moves();
     stop_and_wait(STOP_SILENT);
     SearchThread* t = worker(0);
     if (!t)
@@ -280,8 +281,7 @@ void start_engine_move(bool continuous)
     // go ends one: started over it, the new root replaced the old one under
     // the running threads, and their move was then played on the new board.
     stop_and_wait(STOP_SILENT);
-    limits.self_play = continuous;
-    limits.play_once = !continuous;
+    request_engine_moves(continuous);
     limits.infinite = false;
     limits.max_depth = limits.base_max_depth;
     limits.node_limit = limits.base_node_limit;

@@ -27,6 +27,12 @@
 namespace
 {
 
+// What this loop plays of its own accord: a book move found before any
+// search, and the console's requests for engine moves.
+Move book_move = 0;
+bool self_play = false;
+bool play_once = false;
+
 // A book key can collide and a book can be built from faulty games: its
 // move is played only when it is legal here.
 Move checked_book_move(Move move)
@@ -40,7 +46,7 @@ void start_search()
     set_search_root(game_position());
     prepare_search();
     print_search_start();
-    limits.preset_move = 0;
+    book_move = 0;
     limits.best_move = limits.ponder_move = 0;
     const Position* pos = game_position();
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
@@ -55,7 +61,7 @@ void start_search()
             char line[128];
             send_line(format_line(line, sizeof line, "%s book move is %s%s", protocol_mode == 1 ? "info string" : "",
                                   SQUARE_NAMES[move_from(move)], SQUARE_NAMES[move_to(move)]));
-            limits.preset_move = move;
+            book_move = move;
             limits.best_move = move;
             limits.best_score = 0;
             limits.stop_signal = STOP_REPORT;
@@ -89,7 +95,7 @@ void collect_result()
         limits.eval_hits += t->eval.eval_hits;
     }
     limits.tb_hits = total_tbhits();
-    if (limits.preset_move || limits.best_move)
+    if (book_move || limits.best_move)
         return; // a book move, or a move chosen without a search
     const SearchThread* main = worker(0);
     if (!main)
@@ -136,7 +142,7 @@ void report_if_due()
     if (stop == STOP_LIMIT && limits.infinite)
         return;
     limits.elapsed = now_seconds() - limits.start_time;
-    bool searched = !limits.preset_move && !limits.best_move;
+    bool searched = !book_move && !limits.best_move;
     collect_result();
     if (searched && worker(0))
         print_info_line(worker(0), limits.completed_depth, limits.best_score, limits.best_line, 1, ' ');
@@ -154,33 +160,44 @@ void report_if_due()
     }
     limits.search_state = SEARCH_IDLE;
 
-    if (limits.self_play || limits.play_once) {
+    if (self_play || play_once) {
         double& clock = game_position()->side == WHITE ? limits.white_time : limits.black_time;
         clock = clock - limits.elapsed + limits.increment;
         // The move answers the position the search started from. Console
         // commands are served while the engine thinks; if they changed the
         // game meanwhile, the move belongs to no position on the board.
         if (!limits.best_move || game_position()->key != search_root()->key) {
-            limits.self_play = limits.play_once = false;
+            self_play = play_once = false;
             return;
         }
         char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE], text[96];
         move_texts(game_position(), limits.best_move, coord, san, sf, sr);
         int number = game_length() / 2 + 1;
         bool white = game_position()->side == WHITE;
-        if (limits.self_play)
+        if (self_play)
             send_line(format_line(text, sizeof text, "%d%s move %s", number, white ? "." : "...", san));
         else
             send_line(format_line(text, sizeof text, "%d. move %s", number, san));
         play_game_move(limits.best_move);
         show_game_board();
-        if (limits.self_play)
+        if (self_play)
             limits.search_state = SEARCH_REQUESTED;
-        limits.play_once = false;
+        play_once = false;
     }
 }
 
 } // namespace
+
+void request_engine_moves(bool continuous)
+{
+    self_play = continuous;
+    play_once = !continuous;
+}
+
+void cancel_engine_moves()
+{
+    self_play = play_once = false;
+}
 
 double effective_branching_factor()
 {

@@ -17,6 +17,7 @@ Game game;
 // draw test never looks further back than the fifty-move counter (a byte).
 constexpr int KEPT_HISTORY = 256;
 constexpr int HISTORY_LIMIT = MAX_GAME_PLY - 2 * MAX_PLY;
+static_assert(HISTORY_LIMIT + MAX_PLY < MAX_GAME_PLY, "a search from the longest kept game must fit the undo records");
 constexpr int RECORD_SIZE = 4096;
 
 struct GameRecord {

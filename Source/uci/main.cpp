@@ -235,8 +235,7 @@ int main(int argc, char** argv)
     if (status >= 0)
         return status;
 
-    limits.thread_count = settings.threads;
-    if (!start_threads(limits.thread_count))
+    if (!start_threads(settings.threads))
         return 1;
     if (!allocate_hash(settings.hash_mb))
         return 1;

@@ -38,22 +38,20 @@ void resize_hash()
 
 void restart_threads()
 {
-    int current = limits.thread_count;
-    if (settings.threads == current)
+    int current = worker_count();
+    int wanted = settings.threads < 1 ? 1 : settings.threads; // 0 is taken as 1
+    if (wanted == current)
         return;
     stop_threads();
-    limits.thread_count = settings.threads;
-    if (start_threads(settings.threads))
+    if (start_threads(wanted))
         return;
     char line[128];
-    send_line(format_line(line, sizeof line, "info string could not start %d search threads, keeping %d",
-                          int(settings.threads), current));
+    send_line(format_line(line, sizeof line, "info string could not start %d search threads, keeping %d", wanted,
+                          current));
     settings.threads = search_settings.threads = int16_t(current);
-    limits.thread_count = current;
+    // Not even the pool it had: one thread is the least a search needs.
     if (!start_threads(current)) {
-        // Not even the pool it had: one thread is the least a search needs.
         settings.threads = search_settings.threads = 1;
-        limits.thread_count = 1;
         start_threads(1);
     }
 }

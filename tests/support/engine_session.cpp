@@ -54,7 +54,8 @@ void restore_start_up_state(bool console)
     limits.base_max_depth = limits.max_depth = MAX_SEARCH_DEPTH;
     limits.base_node_limit = limits.node_limit = 0;
     limits.level_moves = 0;
-    limits.infinite = limits.self_play = limits.play_once = false;
+    limits.infinite = false;
+    cancel_engine_moves();
     reset_game_limits();
 }
 
@@ -72,7 +73,6 @@ void session_engine_start(int threads, int hash_mb)
     reset_game_limits();
     settings.threads = int16_t(threads);
     settings.hash_mb = int16_t(hash_mb);
-    limits.thread_count = threads;
     start_threads(threads);
     tt_allocate(hash_mb);
     search_settings = settings;
