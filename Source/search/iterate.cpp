@@ -21,6 +21,7 @@
 #include "tablebase/tbprobe.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -28,7 +29,7 @@ namespace
 {
 
 constexpr int UNSEARCHED = -11000;
-constexpr double CURRMOVE_AFTER = 3.5; // seconds before the main thread shows its current move
+constexpr double CURRMOVE_AFTER = 3.5;     // seconds before the main thread shows its current move
 constexpr int MAX_ITERATION = MAX_PLY - 1; // the loop's own bound beyond any depth limit
 static_assert(MAX_SEARCH_DEPTH < MAX_ITERATION, "a depth limit must end the loop before its own bound");
 constexpr int LAST_GAME_PLY = 883;
@@ -356,4 +357,15 @@ void run_search(SearchThread* t)
         return;
     }
     iterate(t);
+}
+
+double effective_branching_factor()
+{
+    int d = limits.completed_depth;
+    if (d <= 5 || d >= MAX_PLY)
+        return 2.0;
+    double n = double(limits.nodes_at_depth[d]), m = double(limits.nodes_at_depth[d - 4]);
+    if (n == 0 || m == 0)
+        return 2.0;
+    return std::pow(n / m, 0.25);
 }

@@ -22,3 +22,6 @@ int helper_depth(int depth, int threads_at_depth, int thread_count);
 // Nodes and tablebase hits over all search threads.
 uint64_t total_nodes();
 uint64_t total_tbhits();
+
+// (N(d) / N(d - 4)) ^ 0.25 over the nodes of the last search's iterations, or 2.0.
+double effective_branching_factor();

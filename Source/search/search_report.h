@@ -17,6 +17,16 @@ struct SearchReporter {
     void (*current_move)(Move move, int number);
     // A message about the search's own set-up.
     void (*message)(const char* text);
+    // Between positions of a long job: serves what was typed meanwhile
+    // (stop, quit) when `read` is set, and says whether the run should end.
+    bool (*poll_commands)(bool read);
 };
 
 extern SearchReporter search_reporter;
+
+// Whether a long job should end now; with `read`, typed commands are served
+// first. False where no front end listens.
+inline bool job_should_end(bool read)
+{
+    return search_reporter.poll_commands && search_reporter.poll_commands(read);
+}

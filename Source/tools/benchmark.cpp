@@ -9,8 +9,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
-#include "uci/engine_name.h"
-#include "uci/input.h"
+#include "output/engine_name.h"
 
 namespace
 {
@@ -81,5 +80,4 @@ void run_benchmark(int count, bool direct)
     limits.search_state = SEARCH_IDLE;
     send_line(format_line(line, sizeof line, "total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time, nodes,
                           nodes / total_time));
-    quit_requested = true;
 }

@@ -6,6 +6,7 @@
 #include "board/fen.h"
 #include "board/notation.h"
 #include "output/output.h"
+#include "search/iterate.h"
 #include "search/limits.h"
 #include "search/search_report.h"
 #include "search/threads.h"
@@ -14,9 +15,6 @@
 #include "tools/offline_tools.h"
 #include "tools/progress.h"
 #include "tools/tool_search.h"
-#include "uci/engine_loop.h"
-#include "uci/input.h"
-#include "uci/search_output.h"
 
 #include <cstdio>
 
@@ -58,7 +56,8 @@ void print_summary(const SuiteTotals& s)
 
 void print_result(const ToolSearch& r)
 {
-    print_info_line(worker(0), r.depth, r.score, r.pv, 1, ' ');
+    if (search_reporter.pv_line)
+        search_reporter.pv_line(worker(0), r.depth, r.score, r.pv, 1, ' ');
     char move[MOVE_TEXT_SIZE], text[256];
     move_to_coord(r.best, move);
     double nodes = double(r.nodes);
@@ -72,9 +71,11 @@ void analyse_suite(FILE* in, FILE* out)
     bool hash_off = limits.max_depth < HASH_DEPTH;
     bool threaded = limits.max_depth > POOL_DEPTH && (limits.node_limit == 0 || limits.node_limit > POOL_NODES);
     SearchReporter saved = search_reporter;
-    if (silent)
-        search_reporter = SearchReporter{[](const SearchThread*, int, int, const Move*, int, char) {}, [](int, int) {},
-                                         [](Move, int) {}, saved.message};
+    if (silent) {
+        search_reporter.pv_line = [](const SearchThread*, int, int, const Move*, int, char) {};
+        search_reporter.status_line = [](int, int) {};
+        search_reporter.current_move = [](Move, int) {};
+    }
 
     static Game game;
     Position* pos = game_init(&game);
@@ -123,7 +124,7 @@ void analyse_suite(FILE* in, FILE* out)
         if (r.best)
             std::fprintf(out, "%s bm %s%s; ce %d;\n", f.fen, SQUARE_NAMES[move_from(r.best)],
                          SQUARE_NAMES[move_to(r.best)], r.score);
-        if (quit_requested)
+        if (job_should_end(false))
             break;
     }
     search_reporter = saved;

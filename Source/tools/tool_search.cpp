@@ -6,8 +6,8 @@
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/timeman.h"
+#include "search/search_report.h"
 #include "search/tt.h"
-#include "uci/input.h"
 
 #include <cstring>
 #include <unistd.h>
@@ -37,7 +37,7 @@ void tool_search(const Position* pos, bool threaded, bool hash_off, ToolSearch* 
             sleep_ms(1);
             check_time();
             if (keyboard)
-                poll_input();
+                job_should_end(true); // a quit is seen by the caller
         }
     } else {
         run_search(worker(0));

@@ -6,13 +6,12 @@
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "output/output.h"
+#include "search/search_config.h"
 #include "search/search_report.h"
 #include "tools/line_reader.h"
 #include "tools/offline_tools.h"
 #include "tools/progress.h"
 #include "tools/tool_search.h"
-#include "uci/input.h"
-#include "uci/settings.h"
 
 #include <cmath>
 #include <cstdio>
@@ -110,9 +109,11 @@ TuneRun make_tune_data(const char* path, const char* out_path)
 
     // The search's own lines would bury the progress lines.
     SearchReporter saved = search_reporter;
-    if (noise >= SILENT_NOISE)
-        search_reporter = SearchReporter{[](const SearchThread*, int, int, const Move*, int, char) {}, [](int, int) {},
-                                         [](Move, int) {}, saved.message};
+    if (search_config.noise >= SILENT_NOISE) {
+        search_reporter.pv_line = [](const SearchThread*, int, int, const Move*, int, char) {};
+        search_reporter.status_line = [](int, int) {};
+        search_reporter.current_move = [](Move, int) {};
+    }
     static Game game;
     Position* pos = game_init(&game);
     double error_sum = 0;
@@ -153,7 +154,7 @@ TuneRun make_tune_data(const char* path, const char* out_path)
             run.written++;
             error_sum += std::fabs(1.0 / (1.0 + std::exp(-LOGISTIC_SCALE * r.score)) - gr);
         }
-        if (quit_requested)
+        if (job_should_end(false))
             break;
     }
     search_reporter = saved;

@@ -8,9 +8,9 @@
 #include "eval/params.h"
 #include "output/output.h"
 #include "search/limits.h"
+#include "search/search_report.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
-#include "uci/input.h"
 
 #include <cmath>
 #include <cstdio>
@@ -209,8 +209,7 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
         pass_lines++;
         lines_read++;
         if (watch_console && lines_read % POLL_EVERY == POLL_EVERY - 1) {
-            poll_input();
-            if (quit_requested)
+            if (job_should_end(true))
                 break;
         }
         if (mode == 1 && positions % SAVE_EVERY == SAVE_EVERY - 1)

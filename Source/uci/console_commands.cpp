@@ -201,7 +201,7 @@ void hash_command()
 // The probe lists the candidates and the choice itself.
 void book_command()
 {
-    book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, noise >= 9999});
+    book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, search_config.noise >= 9999});
 }
 
 // What the tables say of the game position, for people testing the engine:
@@ -399,8 +399,8 @@ void handle_console_command(char* line)
     } else if (!std::strcmp(cmd, "noise")) {
         // Echoed as an integer, so kept where an integer can hold it.
         double v = std::atof(arg);
-        noise = v > 1e9 ? 1e9 : v < -1e9 ? -1e9 : v == v ? v : 0.0;
-        echo_setting(cmd, int(noise));
+        search_config.noise = v > 1e9 ? 1e9 : v < -1e9 ? -1e9 : v == v ? v : 0.0;
+        echo_setting(cmd, int(search_config.noise));
     } else if (!std::strcmp(cmd, "debug")) {
         for (auto& pair : settings.personality)
             pair[0] = pair[1] = 100;

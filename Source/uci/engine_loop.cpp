@@ -2,8 +2,8 @@
 
 #include "board/attack_queries.h"
 #include "board/fen.h"
-#include "board/makemove.h"
 #include "board/legality.h"
+#include "board/makemove.h"
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_probe.h"
@@ -21,8 +21,6 @@
 #include "uci/options.h"
 #include "uci/search_output.h"
 #include "uci/settings.h"
-
-#include <cmath>
 
 namespace
 {
@@ -50,7 +48,7 @@ void start_search()
     limits.best_move = limits.ponder_move = 0;
     const Position* pos = game_position();
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
-        BookOptions book = {search_settings.book_variety, noise >= 9999};
+        BookOptions book = {search_settings.book_variety, search_config.noise >= 9999};
         Move move = 0;
         if (game_position()->game_ply < search_settings.book_depth)
             move = book_probe(pos, search_settings.book_file, book);
@@ -197,17 +195,6 @@ void request_engine_moves(bool continuous)
 void cancel_engine_moves()
 {
     self_play = play_once = false;
-}
-
-double effective_branching_factor()
-{
-    int d = limits.completed_depth;
-    if (d <= 5 || d >= MAX_PLY)
-        return 2.0;
-    double n = double(limits.nodes_at_depth[d]), m = double(limits.nodes_at_depth[d - 4]);
-    if (n == 0 || m == 0)
-        return 2.0;
-    return std::pow(n / m, 0.25);
 }
 
 void engine_round()

@@ -10,8 +10,5 @@ void cancel_engine_moves();
 // Runs until "quit".
 void run_engine_loop();
 
-// (N(d) / N(d - 4)) ^ 0.25 over the nodes per iteration, or 2.0.
-double effective_branching_factor();
-
 // One round of the loop (sleep, clock, input, start, report); for tests.
 void engine_round();

@@ -83,9 +83,9 @@ int read_switches(int argc, char** argv)
             numa_binding = true;
         } else if (!std::strcmp(a, "-quiet")) {
             settings.log_enabled = 0;
-            noise = 9999;
+            search_config.noise = 9999;
         } else if (takes("-noise")) {
-            noise = std::atof(value);
+            search_config.noise = std::atof(value);
         } else if (takes("-cfg")) {
             copy_text(settings.config_file_path, PATH_SIZE, value);
         } else if (takes("-d")) {
@@ -197,7 +197,7 @@ void run_job()
     case RUN_MKTUNE:
         if (limits.max_depth > 10)
             limits.max_depth = 0;
-        noise = 9999;
+        search_config.noise = 9999;
         make_tune_file(tool_file);
         break;
     case RUN_LABEL:

@@ -13,6 +13,7 @@
 #include "search/threads.h"
 #include "search/timeman.h"
 #include "search/tt.h"
+#include "uci/input.h"
 
 #include <cstdio>
 #include <mutex>
@@ -73,11 +74,18 @@ void message(const char* text)
     send_line(format_line(line, sizeof line, "info string %s", text));
 }
 
+bool poll_commands(bool read)
+{
+    if (read)
+        poll_input();
+    return quit_requested;
+}
+
 } // namespace
 
 void install_search_output()
 {
-    search_reporter = {print_info_line, status_line, current_move, message};
+    search_reporter = {print_info_line, status_line, current_move, message, poll_commands};
 }
 
 void score_text(int score, char* text, int size)

@@ -9,7 +9,6 @@
 
 EngineSettings settings;
 EngineSettings search_settings;
-double noise = 0.0;
 
 void set_default_settings()
 {

@@ -39,8 +39,6 @@ struct EngineSettings {
 extern EngineSettings settings;        // live record
 extern EngineSettings search_settings; // the search's working copy
 
-// Console "noise" level; 9999 silences the book listing.
-extern double noise;
 
 void set_default_settings();
 

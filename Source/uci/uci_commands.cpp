@@ -9,7 +9,7 @@
 #include "search/timeman.h"
 #include "search/tt.h"
 #include "uci/bounded_input.h"
-#include "uci/engine_name.h"
+#include "output/engine_name.h"
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/options.h"

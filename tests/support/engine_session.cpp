@@ -49,7 +49,7 @@ void restore_start_up_state(bool console)
     close_log_file();
     close_trace_file();
     trace_depth = 0;
-    noise = 0;
+    search_config.noise = 0;
     protocol_mode = console ? 0 : 1;
     limits.base_max_depth = limits.max_depth = MAX_SEARCH_DEPTH;
     limits.base_node_limit = limits.node_limit = 0;
