@@ -31,7 +31,7 @@ struct Rate {
 // elapsed time includes waiting for a processor; the processor time does not.
 Rate probe_rate(const std::vector<Position>& positions, const char* book, double seconds, long long* found)
 {
-    const BookOptions quiet = {25, true};
+    const BookOptions quiet = {25, true, false};
     long long probes = 0;
     double start = now_seconds(), cpu_start = cpu_seconds(), elapsed = 0;
     while (elapsed < seconds) {

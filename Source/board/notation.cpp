@@ -106,7 +106,7 @@ Bitboard named_squares(const char* text)
 
 } // namespace
 
-void move_to_coord(Move move, char* text)
+void move_to_coord(Move move, char* text, MoveStyle style)
 {
     if (move == 0) {
         std::strcpy(text, "null");
@@ -116,7 +116,7 @@ void move_to_coord(Move move, char* text)
     std::memcpy(text + 2, SQUARE_NAMES[move_to(move)], 2);
     char* end = text + 4;
     if (char letter = promotion_letter(move)) {
-        if (protocol_mode == 1) {
+        if (style == MOVE_STYLE_UCI) {
             *end++ = char(std::tolower(letter));
         } else {
             *end++ = '=';

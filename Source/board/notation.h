@@ -13,7 +13,11 @@ constexpr const char* SQUARE_NAMES[64] = {"a1", "b1", "c1", "d1", "e1", "f1", "g
 constexpr int MOVE_TEXT_SIZE = 16;
 
 // e2e4; promotions as e7e8=Q on the console and e7e8q in UCI mode; "null" for 0.
-void move_to_coord(Move move, char* text);
+// How a move is written for whoever reads it: an interface reads "e7e8q",
+// a person "e7e8=Q".
+enum MoveStyle : uint8_t { MOVE_STYLE_UCI, MOVE_STYLE_CONSOLE };
+
+void move_to_coord(Move move, char* text, MoveStyle style);
 
 // The four forms that the parser accepts: coordinate (console promotion form),
 // SAN, SAN with the from-file and SAN with the from-rank. Castling comes as

@@ -141,7 +141,7 @@ Move book_probe(const Position* pos, const char* file, const BookOptions& option
     BookRoulette roulette;
     spin_book_roulette(entries, count, options.variety, book_draw(), &roulette);
 
-    bool console = protocol_mode == 0;
+    bool console = options.console_listing;
     char list[64 + MAX_BOOK_MOVES * 5] = "info string ( book moves are: ";
     size_t length = std::strlen(list);
     for (int i = 0; i < count && !options.quiet; i++) {
@@ -150,7 +150,7 @@ Move book_probe(const Position* pos, const char* file, const BookOptions& option
         Move move = book_move_to_move(entries[i].move);
         if (console) {
             char text[MOVE_TEXT_SIZE], line[128];
-            move_to_coord(move, text);
+            move_to_coord(move, text, MOVE_STYLE_CONSOLE);
             double share = 100.0 * entries[i].weight / roulette.total;
             double chance = roulette.sum ? 100.0 * roulette.adjusted[i] / roulette.sum : 0.0;
             send_line(format_line(line, sizeof line, "  %s  cnt= %5d, weight= %5.2f%% -> %5.2f%%", text,

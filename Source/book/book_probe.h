@@ -9,8 +9,9 @@ constexpr int MAX_BOOK_MOVES = 128;
 
 // What the front end decides about a probe.
 struct BookOptions {
-    int variety; // 0..100; 25 picks in proportion to the weights, more flattens, less sharpens
-    bool quiet;  // no listing of the candidates
+    int variety;          // 0..100; 25 picks in proportion to the weights, more flattens, less sharpens
+    bool quiet;           // no listing of the candidates
+    bool console_listing; // a line per candidate with its share, for a person; else one info string line
 };
 
 // The weighted random choice among the entries of one position.

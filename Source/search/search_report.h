@@ -3,7 +3,9 @@
 // dialect it speaks. Until then nothing is printed (tools and tests).
 #pragma once
 
+#include "board/notation.h"
 #include "board/types.h"
+#include "output/output.h"
 
 struct SearchThread;
 
@@ -23,6 +25,13 @@ struct SearchReporter {
 };
 
 extern SearchReporter search_reporter;
+
+// Moves are written as the dialect spoken now asks: "e7e8q" to an
+// interface, "e7e8=Q" at the console.
+inline MoveStyle reported_move_style()
+{
+    return protocol_mode == 1 ? MOVE_STYLE_UCI : MOVE_STYLE_CONSOLE;
+}
 
 // Whether a long job should end now; with `read`, typed commands are served
 // first. False where no front end listens.

@@ -1,3 +1,4 @@
+#include "search/search_report.h"
 #include "search/search_trace.h"
 
 #include "board/notation.h"
@@ -36,7 +37,7 @@ void trace_move_write(const SearchThread* thread, uint16_t move)
     if (iter > trace_last_depth)
         std::fprintf(trace_file, "\n\nSEARCH DEPTH= %d\n", iter);
     char text[16];
-    move_to_coord(move, text);
+    move_to_coord(move, text, reported_move_style());
     if (ply <= trace_last_ply) {
         std::fputc('\n', trace_file);
         for (int i = 1; i < ply; i++)

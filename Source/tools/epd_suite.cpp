@@ -59,7 +59,7 @@ void print_result(const ToolSearch& r)
     if (search_reporter.pv_line)
         search_reporter.pv_line(worker(0), r.depth, r.score, r.pv, 1, ' ');
     char move[MOVE_TEXT_SIZE], text[256];
-    move_to_coord(r.best, move);
+    move_to_coord(r.best, move, reported_move_style());
     double nodes = double(r.nodes);
     send_line(format_line(text, sizeof text, "move= %s, time= %0.3f, score= %d, nodes= %0.0f, %0.0fK nps", move,
                           r.seconds, r.score, nodes, nodes / (r.seconds + 0.001) * 0.001));

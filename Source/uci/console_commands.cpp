@@ -13,6 +13,7 @@
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "output/output.h"
+#include "search/search_report.h"
 #include "search/limits.h"
 #include "search/perft.h"
 #include "search/search_thread.h"
@@ -184,7 +185,7 @@ void hash_command()
         if (e.depth < -9 || !is_legal_move(pos, e.move))
             break;
         char text[MOVE_TEXT_SIZE];
-        move_to_coord(e.move, text);
+        move_to_coord(e.move, text, reported_move_style());
         used += size_t(std::snprintf(pv + used, sizeof pv - used, "%s%s", made ? " " : "", text));
         make_move(pos, e.move);
         if (used > sizeof pv - 20) {
@@ -201,7 +202,7 @@ void hash_command()
 // The probe lists the candidates and the choice itself.
 void book_command()
 {
-    book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, search_config.noise >= 9999});
+    book_probe(game_position(), search_settings.book_file, {search_settings.book_variety, search_config.noise >= 9999, protocol_mode == 0});
 }
 
 // What the tables say of the game position, for people testing the engine:

@@ -8,6 +8,7 @@
 #include "board/notation.h"
 #include "book/book_probe.h"
 #include "output/output.h"
+#include "search/search_report.h"
 #include "search/clock.h"
 #include "search/iterate.h"
 #include "search/limits.h"
@@ -48,7 +49,7 @@ void start_search()
     limits.best_move = limits.ponder_move = 0;
     const Position* pos = game_position();
     if (limits.search_state == SEARCH_REQUESTED && search_settings.own_book) {
-        BookOptions book = {search_settings.book_variety, search_config.noise >= 9999};
+        BookOptions book = {search_settings.book_variety, search_config.noise >= 9999, protocol_mode == 0};
         Move move = 0;
         if (game_position()->game_ply < search_settings.book_depth)
             move = book_probe(pos, search_settings.book_file, book);
@@ -116,7 +117,7 @@ void collect_result()
 void print_console_statistics()
 {
     char text[256], move[MOVE_TEXT_SIZE];
-    move_to_coord(limits.best_move, move);
+    move_to_coord(limits.best_move, move, reported_move_style());
     double elapsed = limits.elapsed;
     int depth = limits.completed_depth;
     limits.hash_fill = tt_hashfull(depth > 6 ? depth : 7);
@@ -146,10 +147,10 @@ void report_if_due()
         print_info_line(worker(0), limits.completed_depth, limits.best_score, limits.best_line, 1, ' ');
     if (protocol_mode == 1) {
         char best[MOVE_TEXT_SIZE], ponder[MOVE_TEXT_SIZE + 8] = "", line[64];
-        move_to_coord(limits.best_move, best);
+        move_to_coord(limits.best_move, best, reported_move_style());
         if (limits.ponder_move) {
             char text[MOVE_TEXT_SIZE];
-            move_to_coord(limits.ponder_move, text);
+            move_to_coord(limits.ponder_move, text, reported_move_style());
             format_line(ponder, sizeof ponder, " ponder %s", text);
         }
         send_line(format_line(line, sizeof line, "bestmove %s%s", best, ponder));

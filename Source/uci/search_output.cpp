@@ -34,7 +34,7 @@ void format_pv(const Move* pv, char* out, size_t size)
     size_t used = 0;
     for (int i = 0; i < MAX_PV_SHOWN && pv[i]; i++) {
         char text[MOVE_TEXT_SIZE];
-        move_to_coord(pv[i], text);
+        move_to_coord(pv[i], text, reported_move_style());
         int n = std::snprintf(out + used, size - used, "%s%s", i ? " " : "", text);
         if (n < 0 || used + size_t(n) >= size)
             break;

@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             check_forms(pos, list[take_range(&in, 0, n - 1)].move);
         char coord[MOVE_TEXT_SIZE];
         if (n > 0)
-            move_to_coord(list[0].move, coord);
+            move_to_coord(list[0].move, coord, protocol_mode == 1 ? MOVE_STYLE_UCI : MOVE_STYLE_CONSOLE);
     }
 
     // The same text as the move list of a position command.

@@ -99,18 +99,13 @@ TEST(Notation, CoordinateTextByDialect)
 {
     char text[MOVE_TEXT_SIZE];
     Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_KNIGHT);
-    int16_t saved = protocol_mode;
-    protocol_mode = 1;
-    move_to_coord(promo, text);
+    move_to_coord(promo, text, MOVE_STYLE_UCI);
     EXPECT_STREQ(text, "e7e8n");
-    protocol_mode = 0;
-    move_to_coord(promo, text);
+    move_to_coord(promo, text, MOVE_STYLE_CONSOLE);
     EXPECT_STREQ(text, "e7e8=N");
-    move_to_coord(0, text);
+    move_to_coord(0, text, MOVE_STYLE_CONSOLE);
     EXPECT_STREQ(text, "null");
-    protocol_mode = saved;
 }
-
 
 // The parser skips the texts of moves that cannot match; it must still
 // agree with writing out every text, on every form of every move and on

@@ -18,7 +18,7 @@
 namespace
 {
 
-constexpr BookOptions LISTED = {25, false};
+constexpr BookOptions LISTED = {25, false, false};
 
 void write_book(const std::string& path, const std::vector<BookEntry>& entries, const std::string& tail = "")
 {
@@ -42,17 +42,15 @@ uint16_t book_code(const char* from, const char* to)
     return uint16_t((from[0] - 'a' + 8 * (from[1] - '1')) << 6 | (to[0] - 'a' + 8 * (to[1] - '1')));
 }
 
-// Runs the probe and returns what it printed; `mode` is the protocol mode.
+// Runs the probe and returns what it printed; `mode` 0 lists for a person,
+// 1 for an interface.
 std::string probe_text(const Position* pos, const std::string& file, Move* result, int mode = 1,
                        BookOptions options = LISTED)
 {
-    int16_t saved = protocol_mode;
-    protocol_mode = int16_t(mode);
+    options.console_listing = mode == 0;
     testing::internal::CaptureStdout();
     *result = book_probe(pos, file.c_str(), options);
-    std::string text = testing::internal::GetCapturedStdout();
-    protocol_mode = saved;
-    return text;
+    return testing::internal::GetCapturedStdout();
 }
 
 std::string coord(Move m)
@@ -155,7 +153,7 @@ TEST_F(BookFiles, LaskerTrapLineExactly)
     std::string out = probe_text(&game->pos, book, &m, 0);
     EXPECT_EQ(m, make_move_code(13, 6) | PROMO_KNIGHT);
     EXPECT_EQ(out, "  f2g1=N  cnt=     2, weight= 100.00% -> 100.00%\nselecting f2g1\n");
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 0, {25, true}), "");
+    EXPECT_EQ(probe_text(&game->pos, book, &m, 0, {25, true, false}), "");
     EXPECT_EQ(m, make_move_code(13, 6) | PROMO_KNIGHT) << "the quiet probe plays the same move";
     EXPECT_EQ(reply, 6);
 }
@@ -264,7 +262,7 @@ TEST_F(BookFiles, MovesThatDoNotFit)
     EXPECT_EQ(m, make_move_code(4, 6));
     set_test_position(game, "k7/8/8/8/8/8/8/K3R1B1 w - -");
     write_book(book, {{book_key(&game->pos), book_code("e1", "h1"), 1, 0}});
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 1, {25, true}), "");
+    EXPECT_EQ(probe_text(&game->pos, book, &m, 1, {25, true, false}), "");
     EXPECT_EQ(m, 0) << "g1 is taken by the rook's own side";
 }
 
@@ -282,7 +280,7 @@ TEST_F(BookFiles, GarbageFile)
     for (const std::string& fen : load_opening_fens(200)) {
         set_test_position(game, fen);
         Move m = 0;
-        probe_text(&game->pos, book, &m, 1, {25, true});
+        probe_text(&game->pos, book, &m, 1, {25, true, false});
         EXPECT_TRUE(m == 0 || is_pseudo_legal(&game->pos, m));
     }
 }

@@ -165,7 +165,7 @@ TEST(UciSearch, SelfPlayGameStaysLegal)
             int n = gen_legal(&t->pos, list);
             for (int i = 0; i < n; i++) {
                 char text[MOVE_TEXT_SIZE];
-                move_to_coord(list[i].move, text);
+                move_to_coord(list[i].move, text, MOVE_STYLE_UCI);
                 if (move == text)
                     m = list[i].move;
             }

@@ -14,7 +14,7 @@ namespace
 std::string text_of(Move m)
 {
     char text[MOVE_TEXT_SIZE];
-    move_to_coord(m, text);
+    move_to_coord(m, text, MOVE_STYLE_UCI);
     return text;
 }
 

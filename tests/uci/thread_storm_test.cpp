@@ -52,7 +52,7 @@ std::set<std::string> start_position_moves()
     std::set<std::string> moves;
     for (int i = 0; i < n; i++) {
         char text[MOVE_TEXT_SIZE];
-        move_to_coord(list[i].move, text);
+        move_to_coord(list[i].move, text, MOVE_STYLE_UCI);
         moves.insert(text);
     }
     free_test_game(g);
