@@ -79,13 +79,8 @@ struct SearchLimits {
     int16_t best_score;
     uint16_t best_line[MAX_PLY + 2];
 
-    // Statistics.
-    uint64_t total_nodes;
-    uint64_t main_probes, main_hits;
-    uint64_t pawn_probes, pawn_hits;
-    uint64_t eval_probes, eval_hits;
-    uint64_t tb_hits;
-    double hash_fill;
+    // Statistics: the nodes each iteration took (the workers keep their own
+    // counters, which the console's summary adds up).
     std::atomic<uint64_t> nodes_at_depth[MAX_PLY + 2];
 
 };

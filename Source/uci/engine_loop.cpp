@@ -8,10 +8,10 @@
 #include "board/notation.h"
 #include "book/book_probe.h"
 #include "output/output.h"
-#include "search/search_report.h"
 #include "search/clock.h"
 #include "search/iterate.h"
 #include "search/limits.h"
+#include "search/search_report.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/timeman.h"
@@ -81,19 +81,6 @@ void start_search()
 
 void collect_result()
 {
-    limits.total_nodes = total_nodes();
-    limits.main_probes = limits.main_hits = limits.pawn_probes = limits.pawn_hits = 0;
-    limits.eval_probes = limits.eval_hits = 0;
-    for (int i = 0; i < worker_count(); i++) {
-        const SearchThread* t = worker(i);
-        limits.main_probes += t->tt_probes;
-        limits.main_hits += t->tt_hits;
-        limits.pawn_probes += t->eval.pawn_probes;
-        limits.pawn_hits += t->eval.pawn_hits;
-        limits.eval_probes += t->eval.eval_probes;
-        limits.eval_hits += t->eval.eval_hits;
-    }
-    limits.tb_hits = total_tbhits();
     if (book_move || limits.best_move)
         return; // a book move, or a move chosen without a search
     const SearchThread* main = worker(0);
@@ -114,21 +101,33 @@ void collect_result()
     limits.ponder_move = n >= 2 ? limits.best_line[1] : 0;
 }
 
+// The console's summary of a search: the workers' counters added up.
 void print_console_statistics()
 {
+    uint64_t nodes = total_nodes();
+    uint64_t main_probes = 0, main_hits = 0, pawn_probes = 0, pawn_hits = 0, eval_probes = 0, eval_hits = 0;
+    for (int i = 0; i < worker_count(); i++) {
+        const SearchThread* t = worker(i);
+        main_probes += t->tt_probes;
+        main_hits += t->tt_hits;
+        pawn_probes += t->eval.pawn_probes;
+        pawn_hits += t->eval.pawn_hits;
+        eval_probes += t->eval.eval_probes;
+        eval_hits += t->eval.eval_hits;
+    }
     char text[256], move[MOVE_TEXT_SIZE];
     move_to_coord(limits.best_move, move, reported_move_style());
     double elapsed = limits.elapsed;
     int depth = limits.completed_depth;
-    limits.hash_fill = tt_hashfull(depth > 6 ? depth : 7);
+    double hash_fill = tt_hashfull(depth > 6 ? depth : 7);
     send_line(format_line(text, sizeof text, "move= %s, time= %0.3f, score= %d, nodes= %0.0f, nps= %0.0fK ebf= %0.2f",
-                          move, elapsed, limits.best_score, double(limits.total_nodes),
-                          double(limits.total_nodes) / (elapsed + 0.001) * 0.001, effective_branching_factor()));
-    send_line(format_line(
-        text, sizeof text, "Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, TB=%0.0fK",
-        100 * limits.hash_fill, 100.0 * double(limits.main_hits) / double(limits.main_probes + 1),
-        100.0 * double(limits.pawn_hits) / double(limits.pawn_probes + 1),
-        100.0 * double(limits.eval_hits) / double(limits.eval_probes + 1), double(limits.tb_hits) * 0.001));
+                          move, elapsed, limits.best_score, double(nodes), double(nodes) / (elapsed + 0.001) * 0.001,
+                          effective_branching_factor()));
+    send_line(format_line(text, sizeof text,
+                          "Hash fill= %.1f%%, Hash hits: main= %0.1f%%, pawn= %0.1f%%, eval= %0.1f%%, TB=%0.0fK",
+                          100 * hash_fill, 100.0 * double(main_hits) / double(main_probes + 1),
+                          100.0 * double(pawn_hits) / double(pawn_probes + 1),
+                          100.0 * double(eval_hits) / double(eval_probes + 1), double(total_tbhits()) * 0.001));
     send_line("");
 }
 
