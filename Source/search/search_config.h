@@ -54,6 +54,7 @@ struct SearchConfig {
     int16_t limit_strength;
     int16_t elo;
     int16_t selectivity;
+    int16_t show_wdl;
     int16_t search[SEARCH_SETTING_COUNT];
     // How much the engine says (console "noise", -noise, -quiet): from 9999
     // on the book listing and the tools' search lines are silent. Set by the

@@ -1,59 +1,62 @@
 #include "uci/option_table.h"
 
-#include <cstring>
+#include <strings.h>
 
 namespace
 {
 
-constexpr OptionSpec spin(const char* name, int16_t EngineSettings::*field, int def, int min, int max, int shown_min,
-                          OptionEffect effect = EFFECT_NONE)
+constexpr OptionSpec spin(const char* name, int16_t EngineSettings::*field, int def, int min, int max,
+                          OptionEffect effect = EFFECT_NONE, const char* alias = nullptr)
 {
-    return {name, OPTION_SPIN, effect, int16_t(def), int16_t(min), int16_t(max), int16_t(shown_min), field, nullptr, 0};
+    return {name, OPTION_SPIN, effect, int16_t(def), int16_t(min), int16_t(max), field, nullptr, 0, alias};
 }
 
 constexpr OptionSpec check(const char* name, int16_t EngineSettings::*field, bool def,
                            OptionEffect effect = EFFECT_NONE)
 {
-    return {name, OPTION_CHECK, effect, int16_t(def), 0, 1, 0, field, nullptr, 0};
+    return {name, OPTION_CHECK, effect, int16_t(def), 0, 1, field, nullptr, 0, nullptr};
 }
 
 constexpr OptionSpec text(const char* name, char (EngineSettings::*field)[PATH_SIZE], OptionEffect effect)
 {
-    return {name, OPTION_STRING, effect, 0, 0, 0, 0, nullptr, field, 0};
+    return {name, OPTION_STRING, effect, 0, 0, 0, nullptr, field, 0, nullptr};
 }
 
 constexpr OptionSpec pair(const char* name, Personality weight)
 {
-    return {name, OPTION_PAIR, EFFECT_NONE, 100, 20, 200, 0, nullptr, nullptr, int8_t(weight)};
+    return {name, OPTION_PAIR, EFFECT_NONE, 100, 20, 200, nullptr, nullptr, int8_t(weight), nullptr};
 }
 
 } // namespace
 
-// In the order of the "uci" answer. Threads accepts 0 although the
-// interface is shown 1 as the least.
+// In the order of the "uci" answer. A number outside its range is clamped
+// into the range shown, so what the interface shows is what it gets.
 const OptionSpec OPTIONS[] = {
     text("ConfigFilePath", &EngineSettings::config_file_path, EFFECT_CONFIG_FILE),
-    spin("Hash", &EngineSettings::hash_mb, 64, 0, 16384, 0, EFFECT_HASH),
-    spin("Threads", &EngineSettings::threads, 1, 0, 128, 1, EFFECT_THREADS),
-    {"Clear_Hash", OPTION_BUTTON, EFFECT_CLEAR_HASH, 0, 0, 0, 0, nullptr, nullptr, 0},
+    spin("Hash", &EngineSettings::hash_mb, 64, 0, 16384, EFFECT_HASH),
+    spin("Threads", &EngineSettings::threads, 1, 1, 128, EFFECT_THREADS),
+    {"Clear_Hash", OPTION_BUTTON, EFFECT_CLEAR_HASH, 0, 0, 0, nullptr, nullptr, 0, nullptr},
     check("OwnBook", &EngineSettings::own_book, false),
     text("OwnBook_File", &EngineSettings::book_file, EFFECT_NONE),
-    spin("OwnBook_Depth", &EngineSettings::book_depth, 24, 0, 60, 0),
+    spin("OwnBook_Depth", &EngineSettings::book_depth, 24, 0, 60),
     text("OwnBook2_File", &EngineSettings::book2_file, EFFECT_NONE),
-    spin("OwnBook2_Depth", &EngineSettings::book2_depth, 0, 0, 60, 0),
-    spin("OwnBook_Variety", &EngineSettings::book_variety, 25, 0, 100, 0),
+    spin("OwnBook2_Depth", &EngineSettings::book2_depth, 0, 0, 60),
+    spin("OwnBook_Variety", &EngineSettings::book_variety, 25, 0, 100),
     text("SyzygyPath", &EngineSettings::syzygy_path, EFFECT_TABLEBASES),
-    spin("SyzygyProbeDepth5", &EngineSettings::tb_probe_depth5, 0, -5, 100, -5),
-    spin("SyzygyProbeDepth6", &EngineSettings::tb_probe_depth6, 1, -5, 100, -5),
+    spin("SyzygyProbeDepth5", &EngineSettings::tb_probe_depth5, 0, -5, 100),
+    spin("SyzygyProbeDepth6", &EngineSettings::tb_probe_depth6, 1, -5, 100),
     check("Log", &EngineSettings::log_enabled, false, EFFECT_LOG),
     check("Ponder", &EngineSettings::ponder, true),
-    spin("MultiPV", &EngineSettings::multi_pv, 1, 1, 255, 1),
-    spin("MoveOverhead", &EngineSettings::move_overhead, 50, 0, 5000, 0),
+    spin("MultiPV", &EngineSettings::multi_pv, 1, 1, 255),
+    // The name most interfaces and bots send is the one with the blank.
+    spin("MoveOverhead", &EngineSettings::move_overhead, 50, 0, 5000, EFFECT_NONE, "Move Overhead"),
     check("UCI_LimitStrength", &EngineSettings::limit_strength, false),
-    // 0 stands for the full-strength estimate, shown as the maximum.
-    spin("UCI_Elo", &EngineSettings::elo, 0, 1500, 3300, 1500),
-    spin("Contempt", &EngineSettings::contempt, 0, -150, 150, -150),
-    spin("Selectivity", &EngineSettings::selectivity, 100, 0, 200, 0),
+    // 0 stands for the full-strength estimate, which is also the largest
+    // value shown and accepted (the 3300 here is not used).
+    spin("UCI_Elo", &EngineSettings::elo, 0, 1500, 3300),
+    check("UCI_ShowWDL", &EngineSettings::show_wdl, false),
+    spin("Contempt", &EngineSettings::contempt, 0, -150, 150),
+    spin("Selectivity", &EngineSettings::selectivity, 100, 0, 200),
     pair("Mtl_Pawn", WEIGHT_MTL_PAWN),
     pair("Mtl_Knight", WEIGHT_MTL_KNIGHT),
     pair("Mtl_Bishop", WEIGHT_MTL_BISHOP),
@@ -74,7 +77,7 @@ const int OPTION_COUNT = int(sizeof OPTIONS / sizeof *OPTIONS);
 const OptionSpec* find_option(const char* name)
 {
     for (const OptionSpec& o : OPTIONS)
-        if (!std::strcmp(o.name, name))
+        if (!strcasecmp(o.name, name) || (o.alias && !strcasecmp(o.alias, name)))
             return &o;
     return nullptr;
 }

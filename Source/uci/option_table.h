@@ -32,15 +32,16 @@ struct OptionSpec {
     OptionKind kind;
     OptionEffect effect;
     int16_t def;                             // spin and check: the start-up value; pair: both halves
-    int16_t min, max;                        // spin and pair: what setoption accepts
-    int16_t shown_min;                       // spin: the minimum shown to the interface
+    int16_t min, max;                        // spin and pair: the range shown and accepted
     int16_t EngineSettings::*number;         // spin and check
     char (EngineSettings::*text)[PATH_SIZE]; // string
     int8_t pair;                             // pair: which personality weight
+    const char* alias;                       // another name clients use, or null
 };
 
 extern const OptionSpec OPTIONS[];
 extern const int OPTION_COUNT;
 
-// The row of an option, by its exact name; null for an unknown name.
+// The row of an option by its name or alias in any letter case (option
+// names are not case-sensitive); null for an unknown name.
 const OptionSpec* find_option(const char* name);

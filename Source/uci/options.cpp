@@ -46,8 +46,8 @@ void restart_threads()
     if (start_threads(wanted))
         return;
     char line[128];
-    send_line(format_line(line, sizeof line, "info string could not start %d search threads, keeping %d", wanted,
-                          current));
+    send_line(
+        format_line(line, sizeof line, "info string could not start %d search threads, keeping %d", wanted, current));
     settings.threads = search_settings.threads = int16_t(current);
     // Not even the pool it had: one thread is the least a search needs.
     if (!start_threads(current)) {
@@ -115,16 +115,23 @@ const char* shown_value(const OptionSpec& o, const EngineSettings& s, char* buff
     return buffer;
 }
 
+// The largest value shown and accepted: UCI_Elo's is the engine's own
+// strength estimate.
+int spin_max(const OptionSpec& o)
+{
+    return o.number == &EngineSettings::elo ? full_strength_elo() : o.max;
+}
+
 void print_option_line(const OptionSpec& o, const EngineSettings& s)
 {
     char line[256], value[PATH_SIZE];
     switch (o.kind) {
     case OPTION_SPIN: {
-        int max = o.number == &EngineSettings::elo ? full_strength_elo() : o.max;
+        int max = spin_max(o);
         // An interface refuses an option whose default lies outside its range.
-        int shown = clamp_int(s.*(o.number), o.shown_min, max);
+        int shown = clamp_int(s.*(o.number), o.min, max);
         send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", o.name, shown,
-                              o.shown_min, max));
+                              o.min, max));
         break;
     }
     case OPTION_CHECK:
@@ -148,7 +155,7 @@ void store_value(const OptionSpec& o, const char* value)
     char line[256];
     switch (o.kind) {
     case OPTION_SPIN: {
-        int v = clamp_int(std::strtoll(value, nullptr, 10), o.min, o.max);
+        int v = clamp_int(std::strtoll(value, nullptr, 10), o.min, spin_max(o));
         send_line(format_line(line, sizeof line, "info string %s set to %d", o.name, v));
         settings.*(o.number) = int16_t(v);
         break;

@@ -14,8 +14,10 @@
 #include "search/timeman.h"
 #include "search/tt.h"
 #include "uci/input.h"
+#include "uci/wdl_model.h"
 
 #include <cstdio>
+#include <cstring>
 #include <mutex>
 
 namespace
@@ -110,8 +112,13 @@ void print_info_line(const SearchThread* t, int depth, int score, const Move* pv
         char multipv[32] = "";
         if (search_config.multi_pv > 1)
             std::snprintf(multipv, sizeof multipv, "multipv %d ", line_number);
-        char score_buf[32];
+        char score_buf[64];
         score_text(score, score_buf, sizeof score_buf);
+        if (search_config.show_wdl) {
+            WdlChances c = wdl_of_score(score);
+            size_t used = std::strlen(score_buf);
+            std::snprintf(score_buf + used, sizeof score_buf - used, " wdl %d %d %d", c.win, c.draw, c.loss);
+        }
         send_line(format_line(line, sizeof line,
                               "info %s%sdepth %d seldepth %d score %s time %.0f nodes %.0f nps %.0f tbhits %.0f "
                               "hashfull %.0f pv %s",

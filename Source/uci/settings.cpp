@@ -75,6 +75,7 @@ void publish_settings()
     c.limit_strength = s.limit_strength;
     c.elo = s.elo;
     c.selectivity = s.selectivity;
+    c.show_wdl = s.show_wdl;
     std::memcpy(c.search, s.search, sizeof c.search);
     tb_set_probe_depths(s.tb_probe_depth5, s.tb_probe_depth6);
 }

@@ -2,8 +2,8 @@
 #include "support/engine_process.h"
 
 #include <algorithm>
-#include <fstream>
 #include <cstdio>
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace
@@ -64,6 +64,7 @@ TEST(Options, TheUciAnswerInOrder)
         "option name MoveOverhead type spin default 50 min 0 max 5000",
         "option name UCI_LimitStrength type check default false",
         "", // UCI_Elo: the machine's own estimate, checked below
+        "option name UCI_ShowWDL type check default false",
         "option name Contempt type spin default 0 min -150 max 150",
         "option name Selectivity type spin default 100 min 0 max 200",
     };
@@ -101,18 +102,37 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_EQ(reply(e, "setoption name Mtl_Pawn value 150,300"), "info string Mtl_Pawn set to 150,200");
     EXPECT_EQ(reply(e, "setoption name Ponder value TRUE"), "info string Ponder set to 0");
     EXPECT_EQ(reply(e, "setoption name Ponder value true"), "info string Ponder set to 1");
-    EXPECT_EQ(reply(e, "setoption name Threads value 0"), "info string Threads set to 0");
+    // Values are clamped into the range the uci answer shows.
+    EXPECT_EQ(reply(e, "setoption name Threads value -3"), "info string Threads set to 1");
     EXPECT_EQ(reply(e, "setoption name UCI_Elo value 100"), "info string UCI_Elo set to 1500");
+    int shown_max = 0;
+    for (const std::string& l : uci_answer(e))
+        std::sscanf(l.c_str(), "option name UCI_Elo type spin default %*d min 1500 max %d", &shown_max);
+    EXPECT_EQ(reply(e, "setoption name UCI_Elo value 3300"), "info string UCI_Elo set to " + std::to_string(shown_max));
     EXPECT_EQ(reply(e, "setoption name Clear_Hash value x"), "info string Hash table cleared");
     EXPECT_EQ(reply(e, "setoption name OwnBook_File value my book.bin"),
               "info string OwnBook_File set to 'my book.bin'");
     EXPECT_EQ(reply(e, "setoption name Hash"), ""); // without "value" nothing is set
     EXPECT_EQ(reply(e, "setoption name Clear_Hash"), "");
-    EXPECT_EQ(reply(e, "setoption name hash value 3"), ""); // names are exact
+    // Names in any letter case, and the spelling with a blank that bots send.
+    EXPECT_EQ(reply(e, "setoption name hash value 3"), "info string Hash set to 3");
+    EXPECT_EQ(reply(e, "setoption name Move Overhead value 100"), "info string MoveOverhead set to 100");
+    EXPECT_EQ(reply(e, "setoption name move overhead value 7000"), "info string MoveOverhead set to 5000");
     EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
-    // The engine still plays after all that.
+    // The engine still plays after all that, with win/draw/loss chances
+    // in permille on its info lines once asked for.
+    EXPECT_EQ(reply(e, "setoption name UCI_ShowWDL value true"), "info string UCI_ShowWDL set to 1");
     e.send_line("position startpos");
-    EXPECT_NE(e.ask("go depth 4", "bestmove"), "");
+    e.send_line("go depth 4");
+    std::vector<std::string> seen;
+    EXPECT_NE(e.wait_for("bestmove", 10000, &seen), "");
+    int w = -1, d = -1, l = -1;
+    for (const std::string& line : seen)
+        if (size_t at = line.find(" wdl "); at != std::string::npos)
+            std::sscanf(line.c_str() + at, " wdl %d %d %d", &w, &d, &l);
+    EXPECT_EQ(w + d + l, 1000);
+    EXPECT_GT(d, w); // the start position is most likely a draw
+    EXPECT_GT(d, l);
     EXPECT_EQ(e.quit(), 0);
 }
 
@@ -207,11 +227,13 @@ TEST(Switches, CommandLine)
         EngineProcess e({"-nps", speed});
         EXPECT_EQ(e.wait_for("Elo="), speed[0] == '0' ? "Elo= -486" : "Elo= 3235");
         std::vector<std::string> a = uci_answer(e);
-        auto line = std::find_if(a.begin(), a.end(), [](const std::string& l) { return l.find(" UCI_Elo ") != l.npos; });
+        auto line =
+            std::find_if(a.begin(), a.end(), [](const std::string& l) { return l.find(" UCI_Elo ") != l.npos; });
         ASSERT_NE(line, a.end());
         int shown = 0, min = 0, max = 0;
-        ASSERT_EQ(std::sscanf(line->c_str(), "option name UCI_Elo type spin default %d min %d max %d", &shown, &min, &max),
-                  3);
+        ASSERT_EQ(
+            std::sscanf(line->c_str(), "option name UCI_Elo type spin default %d min %d max %d", &shown, &min, &max),
+            3);
         EXPECT_GE(shown, min) << *line;
         EXPECT_LE(shown, max) << *line;
         EXPECT_EQ(e.quit(), 0);
