@@ -331,15 +331,15 @@ int build_book(const char* pgn_file, const char* book_file)
     std::fclose(in);
     int written = 0;
     if (read) {
-        std::fputs("\nwriting book file ...", stdout);
+        send_line("");
+        send_line("writing book file ...");
         unlink(book_file);
         if (FILE* out = std::fopen(book_file, "wb")) {
             written = write_book(&b->table, out);
             written &= std::fclose(out) == 0;
         }
-        std::printf("\nngames= %d, nmoves= %u\n", b->games, b->table.count);
-        std::fputs("done\n", stdout);
-        std::fflush(stdout);
+        send_line(format_line(text, sizeof text, "ngames= %d, nmoves= %u", b->games, b->table.count));
+        send_line("done");
     }
     book_table_free(&b->table);
     std::free(b);

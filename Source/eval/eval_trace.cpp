@@ -2,6 +2,7 @@
 
 #include "board/notation.h"
 #include "eval/params.h"
+#include "output/output.h"
 
 #include <cstdio>
 #include <cstring>
@@ -21,7 +22,8 @@ const char* const LABELS[EVAL_GROUPS] = {
 
 void print_eval_breakdown(const EvalBreakdown& b, int level)
 {
-    std::printf("           white  black    pos    mtl\n");
+    char line[256];
+    send_line("           white  black    pos    mtl");
     for (int g = 0; g < EVAL_GROUPS; g++) {
         int type = g + 1; // pawns .. queens carry material
         Score group[2];
@@ -34,30 +36,25 @@ void print_eval_breakdown(const EvalBreakdown& b, int level)
         }
         int w = blend(group[0], b.phase), k = blend(group[1], b.phase);
         int mtl = type <= 5 ? blend(score_minus(material[0], material[1]), b.phase) : 0;
-        std::printf("%-10s  %4d   %4d   %4d   %4d\n", LABELS[g], w, k, w - k, mtl);
+        send_line(format_line(line, sizeof line, "%-10s  %4d   %4d   %4d   %4d", LABELS[g], w, k, w - k, mtl));
     }
     if (b.hung) {
-        std::printf("hung pieces on: ");
+        size_t used = std::strlen(std::strcpy(line, "hung pieces on: "));
         Bitboard h = b.hung;
         while (h)
-            std::printf(" %s", SQUARE_NAMES[pop_lsb(h)]);
-        std::printf("\n");
+            used += size_t(std::snprintf(line + used, sizeof line - used, " %s", SQUARE_NAMES[pop_lsb(h)]));
+        send_line(line);
     }
-    std::printf("eval= %d,  phase= %0.2f, sf= %0.2f\n\n", b.shown_score, b.phase, double(b.scale));
+    send_line(
+        format_line(line, sizeof line, "eval= %d,  phase= %0.2f, sf= %0.2f", b.shown_score, b.phase, double(b.scale)));
+    send_line("");
     if (level >= 2) {
         for (int row = 0; row < param_count; row++)
             if (!std::strstr(param_table[row].name, "PST_"))
-                std::printf("%-22s  %4d , %4d\n", param_table[row].name, opening_of(param_table[row].score),
-                            endgame_of(param_table[row].score));
+                send_line(format_line(line, sizeof line, "%-22s  %4d , %4d", param_table[row].name,
+                                      opening_of(param_table[row].score), endgame_of(param_table[row].score)));
         for (const ParamSpec& spec : PARAM_SPECS)
             if (spec.title)
                 print_pst(spec.title, spec.first_row);
     }
-    std::fflush(stdout);
-}
-
-void print_special_ending(int score)
-{
-    std::printf("eval= %d,  phase= %0.2f, sf= %0.2f\n\n", score, 1.0, 1.0);
-    std::fflush(stdout);
 }

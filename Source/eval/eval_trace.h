@@ -21,5 +21,3 @@ struct EvalBreakdown {
 // parameter and the piece-square tables.
 void print_eval_breakdown(const EvalBreakdown& b, int level);
 
-// The score line alone, for the special endings answered before the groups.
-void print_special_ending(int score);

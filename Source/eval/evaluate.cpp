@@ -434,10 +434,9 @@ void evaluate_passers(EvalState& st)
             a.add(PPAWN_FREE + r);
         int own_dist = distance(pos->king_square[s], sq);
         int enemy_dist = distance(pos->king_square[e], sq);
-        a.add_scaled(PPAWN_FKING_DIST, derived.passer_own_king[r][own_dist],
-                         float(own_dist) * PASSER_KING_WEIGHT[r]);
+        a.add_scaled(PPAWN_FKING_DIST, derived.passer_own_king[r][own_dist], float(own_dist) * PASSER_KING_WEIGHT[r]);
         a.add_scaled(PPAWN_EKING_DIST, derived.passer_enemy_king[r][enemy_dist],
-                         float(enemy_dist) * PASSER_KING_WEIGHT[r]);
+                     float(enemy_dist) * PASSER_KING_WEIGHT[r]);
         if ((defended & bit(sq)) || (own & adjacent_files(sq) & RANK_MASK(rank_of(sq))))
             a.add(PPAWN_CONNECTED);
     }
@@ -670,7 +669,7 @@ int contempt_adjustment(const Position* pos)
 }
 
 template <bool Tune>
-int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trace, int16_t* threats)
+int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, EvalBreakdown* trace, int16_t* threats)
 {
     // Every field the terms accumulate into starts at zero; the snapshots are
     // written only for the breakdown display.
@@ -678,7 +677,7 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
     st.pos = pos;
     st.caches = c;
     st.occ = occupancy(pos);
-    st.tracing = trace != 0;
+    st.tracing = trace != nullptr;
     st.acc[0] = st.acc[1] = 0;
     st.hung = 0;
     for (int s = 0; s < 2; s++) {
@@ -768,7 +767,7 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
         threats[1] = int16_t(st.threat[1]);
     }
     if (trace) {
-        EvalBreakdown b;
+        EvalBreakdown& b = *trace;
         std::memcpy(b.snapshot, st.snapshot, sizeof b.snapshot);
         b.phase = phase;
         b.scale = sf;
@@ -778,7 +777,6 @@ int evaluate_full(const Position* pos, EvalCaches* c, int stm, int ply, int trac
         for (int s = 0; s < 2; s++)
             for (int type = PAWN; type <= QUEEN; type++)
                 b.material[s][type] = score_times(popcount(pos->pieces[s][type]), param_score[MTL_PAWN + type - 1]);
-        print_eval_breakdown(b, trace);
     }
     return final_score;
 }
@@ -801,12 +799,20 @@ int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int skip, int
         return -10001;
     int special;
     if (special_ending(pos, stm, &special)) {
-        if (trace)
-            print_special_ending(special);
+        // The terms are shown as the full evaluation counts them; the score
+        // line gives the special ending's answer, which is what counts.
+        if (trace) {
+            EvalBreakdown b;
+            evaluate_full<false>(pos, c, stm, ply, &b, nullptr);
+            b.shown_score = special;
+            b.phase = 1.0;
+            b.scale = 1.0f;
+            print_eval_breakdown(b, trace);
+        }
         return special;
     }
     if (c->tuning)
-        return evaluate_full<true>(pos, c, stm, ply, 0, threats);
+        return evaluate_full<true>(pos, c, stm, ply, nullptr, threats);
     if (c->generation != param_generation)
         clear_eval_caches(c);
     uint64_t key = pos->key;
@@ -820,5 +826,10 @@ int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int skip, int
         }
         return e->score;
     }
-    return evaluate_full<false>(pos, c, stm, ply, trace, threats);
+    if (!trace)
+        return evaluate_full<false>(pos, c, stm, ply, nullptr, threats);
+    EvalBreakdown b;
+    int score = evaluate_full<false>(pos, c, stm, ply, &b, threats);
+    print_eval_breakdown(b, trace);
+    return score;
 }

@@ -1,6 +1,7 @@
 #include "eval/params.h"
 
 #include "eval/eval_tables.h"
+#include "output/output.h"
 
 #include <cmath>
 #include <cstdint>
@@ -95,8 +96,10 @@ void apply_row(const char* name, int opening, int endgame, bool write = true)
     if (param_cursor < 0 || param_cursor >= param_count)
         return; // past the last row: nothing to write
     EvalParam& p = param_table[param_cursor];
-    if (std::strcmp(name, p.name))
-        std::printf("error %s  %s\n", name, p.name);
+    if (std::strcmp(name, p.name)) {
+        char line[160];
+        send_line(format_line(line, sizeof line, "error %.60s  %s", name, p.name));
+    }
     if (!write) {
         param_cursor++;
         return;
@@ -201,8 +204,11 @@ void load_params_file()
         // (the line still stands for its row, so the next lines stay in step).
         long opening = std::strtol(tokens[2], nullptr, 10), endgame = std::strtol(tokens[3], nullptr, 10);
         bool fits = opening >= INT16_MIN && opening <= INT16_MAX && endgame >= INT16_MIN && endgame <= INT16_MAX;
-        if (!fits)
-            std::printf("info string params.txt: %.60s out of range, row kept\n", tokens[1]);
+        if (!fits) {
+            char text[128];
+            send_line(
+                format_line(text, sizeof text, "info string params.txt: %.60s out of range, row kept", tokens[1]));
+        }
         apply_row(tokens[1], int(fits ? opening : 0), int(fits ? endgame : 0), fits);
     }
     std::fclose(f);
@@ -224,14 +230,18 @@ void init_eval_params(int mode)
 
 void print_pst(const char* title, int first_row)
 {
-    std::printf("%s\n", title);
+    send_line(title);
     for (int rank = 7; rank >= 0; rank--) {
+        char line[128];
+        size_t used = 0;
         for (int file = 0; file < 8; file++)
-            std::printf(" %3d", opening_of(param_table[first_row + rank * 8 + file].score));
-        std::printf("     ");
+            used += size_t(std::snprintf(line + used, sizeof line - used, " %3d",
+                                         opening_of(param_table[first_row + rank * 8 + file].score)));
+        used += size_t(std::snprintf(line + used, sizeof line - used, "     "));
         for (int file = 0; file < 8; file++)
-            std::printf(" %3d", endgame_of(param_table[first_row + rank * 8 + file].score));
-        std::printf("\n");
+            used += size_t(std::snprintf(line + used, sizeof line - used, " %3d",
+                                         endgame_of(param_table[first_row + rank * 8 + file].score)));
+        send_line(line);
     }
-    std::printf("\n");
+    send_line("");
 }

@@ -97,7 +97,8 @@ void analyse_suite(FILE* in, FILE* out)
         }
         if (const char* problem = position_problem(pos)) {
             // Counted like any position, but a broken board is never searched.
-            std::fprintf(stderr, "pos= %d not searched: %s\n", totals.positions, problem);
+            char line[160];
+            send_error_line(format_line(line, sizeof line, "pos= %d not searched: %s", totals.positions, problem));
             continue;
         }
 

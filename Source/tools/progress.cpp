@@ -1,5 +1,6 @@
 #include "tools/progress.h"
 
+#include "output/output.h"
 #include "search/clock.h"
 
 #include <cstdarg>
@@ -29,6 +30,5 @@ void progress_note(const char* format, ...)
     va_start(args, format);
     std::vsnprintf(text, sizeof text, format, args);
     va_end(args);
-    std::fprintf(stderr, "%s\n", text);
-    std::fflush(stderr);
+    send_error_line(text);
 }

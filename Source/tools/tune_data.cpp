@@ -170,6 +170,8 @@ double make_tune_file(const char* file)
     if (!run.opened)
         return 1.0;
     // Not part of the file's report on stdout; the figure a tuner run is judged by.
-    std::fprintf(stderr, "positions= %d, mean absolute error= %0.6f\n", run.written, run.error);
+    char line[96];
+    send_error_line(
+        format_line(line, sizeof line, "positions= %d, mean absolute error= %0.6f", run.written, run.error));
     return run.error;
 }

@@ -151,7 +151,7 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
     double size = double(std::ftell(f));
     std::fseek(f, 0, SEEK_SET);
     char text[512];
-    send_line(format_line(text, sizeof text, "Training using %.300s, %0.0f bytes ...\n", file_name, size));
+    send_line(format_line(text, sizeof text, "Training using %.300s, %0.0f bytes ...", file_name, size));
 
     SearchThread* t = worker(0);
     if (!t) {
@@ -162,6 +162,8 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
     uint64_t positions = 0, pass_lines = 0, lines_read = 0;
     double error_sum = 0, pass_start_error = 0, report_error = 0, best_average = 1.0;
     int pass = 1;
+    // Lines a pass passed over, by reason: a pass that skipped any says so.
+    uint64_t unlabelled = 0, beyond_ce = 0;
     char line[LINE_SIZE];
     EpdFields fields;
     for (;;) {
@@ -169,7 +171,13 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
             break;
         if (!read_line(f, line)) {
             double average = pass_lines ? (error_sum - pass_start_error) / double(pass_lines) : 0.0;
-            send_line(format_line(text, sizeof text, "avg err= %0.5f\n", average));
+            send_line(format_line(text, sizeof text, "avg err= %0.5f", average));
+            if (unlabelled || beyond_ce)
+                send_line(format_line(text, sizeof text,
+                                      "skipped %.0f lines: %.0f with neither a ce score nor a result, %.0f with a ce "
+                                      "beyond %d",
+                                      double(unlabelled + beyond_ce), double(unlabelled), double(beyond_ce), MAX_CE));
+            unlabelled = beyond_ce = 0;
             // A file without a single usable line would be read forever.
             if (!pass_lines)
                 break;
@@ -178,7 +186,7 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
             pass_lines = 0;
             if (std::fseek(f, 0, SEEK_SET) != 0)
                 send_line("error setting file position");
-            send_line(format_line(text, sizeof text, "pass = %d, rewinding EPD file\n", pass));
+            send_line(format_line(text, sizeof text, "pass = %d, rewinding EPD file", pass));
             if (!read_line(f, line))
                 break;
         }
@@ -193,12 +201,25 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
             send_line(line);
             break;
         }
-        if (!fields.ce[0])
-            continue;
-        int ce = std::atoi(fields.ce);
-        if (ce < -MAX_CE || ce > MAX_CE)
-            continue;
-        float target = tuning_target(line, t->pos.side, ce);
+        float target;
+        if (fields.ce[0]) {
+            int ce = std::atoi(fields.ce);
+            if (ce < -MAX_CE || ce > MAX_CE) {
+                beyond_ce++;
+                continue;
+            }
+            target = tuning_target(line, t->pos.side, ce);
+        } else {
+            // The common sets label a position with the game's result
+            // alone: it trains towards that result.
+            double p;
+            double r = line_result(line, t->pos.side, 0, &p);
+            if (r < 0) {
+                unlabelled++;
+                continue;
+            }
+            target = float(r);
+        }
         if (mode == 1) {
             int s = train_position(t, target, learning_rate);
             error_sum += std::fabs(win_probability(s) - target);
@@ -219,7 +240,7 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
             bool best = average < best_average;
             if (best)
                 best_average = average;
-            send_line(format_line(text, sizeof text, "%.0fM positions, lr= %0.1e, avg_err= %0.5f %s\n",
+            send_line(format_line(text, sizeof text, "%.0fM positions, lr= %0.1e, avg_err= %0.5f %s",
                                   double(positions) * 0.000001, learning_rate, average, best ? " *" : "  "));
             report_error = error_sum;
         }
@@ -227,7 +248,12 @@ void run_tuner(const char* file_name, double learning_rate, int mode, int max_po
             break;
     }
     std::fclose(f);
-    send_line("\ndone.\n");
+    // The tuned values are kept whenever a run ends, not only at the
+    // checkpoints.
+    if (mode == 1)
+        write_params_file("params.txt");
+    send_line("");
+    send_line("done.");
 }
 
 } // namespace
@@ -283,5 +309,4 @@ void tune(const char* file_name, double learning_rate, int mode, int max_positio
 void train_from_file(const char* file_name, double learning_rate, int max_positions)
 {
     run_tuner(file_name, learning_rate, 1, max_positions, false);
-    write_params_file("params.txt");
 }

@@ -265,7 +265,7 @@ void tune_command(const Words& w)
         train_position(t, 0.0f, 0.001);
         tune("tune.epd", 0.001, 5, 500000000);
     }
-    send_line("done!\n");
+    send_line("done!");
 }
 
 void freeze_command(const char* word, const char* pattern)

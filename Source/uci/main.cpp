@@ -109,8 +109,8 @@ int read_switches(int argc, char** argv)
             int elo = int(elo_of_rate(speed));
             settings.elo = int16_t(clamp_int(elo, 1500, 3300)); // the option's range
 
-            std::printf("Elo= %d\n", elo);
-            std::fflush(stdout);
+            char line[32];
+            send_line(format_line(line, sizeof line, "Elo= %d", elo));
         } else if (takes("-hash")) {
             settings.hash_mb = int16_t(clamp_int(std::atoll(value), 0, 16384));
         } else if (takes("-threads")) {
@@ -164,8 +164,9 @@ int read_switches(int argc, char** argv)
             run_mode = RUN_LABEL;
             copy_text(tool_file, sizeof tool_file, value);
         } else if (!std::strcmp(a, "-tune")) {
+            // Every build has the tuner; it is reached by another word.
             if (argc >= 4)
-                std::printf("Need to compile with 'make ttune'\n");
+                send_line("the tuner runs as -train FILE RATE POSITIONS, or tune FILE RATE POSITIONS at the console");
             return 1;
         }
     }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -173,4 +174,28 @@ TEST(Console, AMoveTypedWhileTheEngineThinksWins)
     EXPECT_EQ(e.quit(), 0);
     std::string pgn = read_text_file(dir + "/tmp.pgn");
     EXPECT_NE(pgn.find("\n1. e4 e5 *"), std::string::npos) << pgn;
+}
+
+// The board, the evaluation breakdown and its tables go through the one
+// output channel, so the log holds them as the screen does. A special
+// ending (here king and rook against king) shows the whole breakdown too.
+TEST(Console, DisplaysReachTheLogAndSpecialEndingsShowTheirTerms)
+{
+    std::string dir = make_temp_dir();
+    {
+        std::ofstream epd(dir + "/krk.epd");
+        epd << "8/8/8/8/8/2k5/8/KR6 w - - id \"krk\";\n";
+    }
+    EngineProcess e({"-c", "-log"}, dir);
+    e.send_line("load krk.epd krk");
+    e.send_line("eval 2");
+    e.send_line("d");
+    EXPECT_EQ(e.ask("noise 0", "noise"), "noise set to 0");
+    EXPECT_EQ(e.quit(), 0);
+    std::string log = read_text_file(dir + "/korvel.log");
+    for (const char* expected :
+         {"           white  black    pos    mtl\n", "pawns:   ", "rooks:    ", "other:   ", "\neval= ", "\nmtl_pawn  ",
+          "\nQueen2\n", "8/8/8/8/8/2k5/8/KR6 w - -", "\n  K R + - + - + -\nwhite\n"})
+        EXPECT_NE(log.find(expected), std::string::npos) << expected << "\n" << log;
+    std::filesystem::remove_all(dir);
 }

@@ -137,3 +137,44 @@ TEST_F(Tuner, ASearchAfterTrainingSeesTheNewValues)
     EXPECT_LT(fresh, before); // trained towards a loss
     EXPECT_EQ(cached, fresh);
 }
+
+// The common tuning sets label a position with the game's result alone:
+// such lines train towards the result, lines with neither a score nor a
+// result are skipped and counted, and the run leaves params.txt behind.
+TEST_F(Tuner, ResultOnlyLinesTrainAndSkippedLinesAreCounted)
+{
+    {
+        std::ofstream f("results.epd");
+        for (int i = 0; i < 200; i++) {
+            f << "r1bqkb1r/pppppppp/2n2n2/8/8/2N2N2/PPPPPPPP/R1BQKB1R w KQkq - c9 \"1-0\";\n";
+            f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - c9 \"0-1\";\n";
+        }
+        f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - id \"x\";\n";
+        f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - ce 6000; c9 \"1-0\";\n";
+    }
+    std::vector<EvalParam> before = rows();
+    testing::internal::CaptureStdout();
+    tune("results.epd", 0.5, 1, 2000);
+    std::string out = testing::internal::GetCapturedStdout();
+    double first = std::atof(out.c_str() + out.find("avg err= ") + 9);
+    double last = std::atof(out.c_str() + out.rfind("avg err= ") + 9);
+    EXPECT_GT(first, 0.1) << out;
+    EXPECT_LT(last, first * 0.8) << out;
+    EXPECT_NE(out.find("avg err= " + out.substr(out.find("avg err= ") + 9, 7)
+                       + "\nskipped 2 lines: 1 with neither a ce score nor a result, 1 with a ce beyond 5000\n"),
+              std::string::npos)
+        << out;
+    // Lines as the tuner's formats give them: the only empty line is the
+    // one before "done.".
+    EXPECT_EQ(out.find("\n\n"), out.find("\n\ndone.\n")) << out;
+    EXPECT_EQ(out.rfind("Training using results.epd, ", 0), 0u) << out;
+
+    std::vector<EvalParam> tuned = rows();
+    init_eval_params(0); // reads params.txt, written when the run ended
+    int moved = 0;
+    for (int row = 0; row < PARAM_ROWS; row++) {
+        ASSERT_EQ(param_table[row].score, tuned[row].score) << row;
+        moved += tuned[row].score != before[row].score;
+    }
+    EXPECT_GT(moved, 0);
+}
