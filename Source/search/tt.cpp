@@ -92,6 +92,14 @@ void zero_range(uint64_t first, uint64_t count)
         return;
     char* begin = reinterpret_cast<char*>(entry_words(first));
     char* end = begin + count * 16;
+    // A table of huge pages is written whole: a page first touched during a
+    // search costs that search its fault (compacting memory for two
+    // megabytes), which at a short time control is most of the first move.
+    // The clear that follows allocation thus commits it.
+    if (tt.megabytes <= HUGE_PAGE_TABLE_LIMIT) {
+        std::memset(begin, 0, size_t(end - begin));
+        return;
+    }
     const uintptr_t page = 4096;
     char* inner_begin = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(begin) + page - 1) & ~(page - 1));
     char* inner_end = reinterpret_cast<char*>(reinterpret_cast<uintptr_t>(end) & ~(page - 1));
@@ -122,9 +130,10 @@ int tt_allocate(int megabytes)
     size_t bytes = (size_t(entries) + 16) * 16;
     // Mapped on a huge-page boundary and, up to a gigabyte, offered for huge
     // pages: the table's random accesses then cost far fewer address
-    // translations. Larger tables keep small pages, since every first touch
-    // of a huge page commits two megabytes and a big table would be wholly
-    // committed after a short search instead of growing as it fills.
+    // translations. Such a table is committed by the clear that follows
+    // allocation. Larger tables keep small pages and grow as they fill:
+    // committing many gigabytes at once would hold up the interface for
+    // seconds, and a short search would not pay for their faults anyway.
     size_t total = bytes + HUGE_PAGE;
     void* memory = mmap(nullptr, total, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     // Without the new table the old one stays as it was.
@@ -143,7 +152,8 @@ int tt_allocate(int megabytes)
     while (p * 2 <= tt.entries)
         p *= 2;
     tt.index_mask = tt.entries ? p - 1 : ~0ULL;
-    // The new mapping is already zero: nothing to clear.
+    // The new mapping reads as zero but is not in memory yet: the caller
+    // clears it once, before any search.
     return 1;
 }
 

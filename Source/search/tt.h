@@ -41,8 +41,9 @@ struct TransTable {
 
 extern TransTable tt;
 
-// (Re)allocates for `megabytes`; the first call also makes the hashing keys.
-// Returns 1, or 0 when the memory cannot be had.
+// (Re)allocates for `megabytes`, keeping the old table when the memory
+// cannot be had. Returns 1, or 0 on failure. The new table reads as empty;
+// clearing it once commits its pages before any search.
 int tt_allocate(int megabytes);
 int tt_megabytes();
 

@@ -249,6 +249,9 @@ int allocate_hash(int megabytes)
 {
     if (!tt_allocate(megabytes))
         return 0;
+    // Written once now, by all workers, rather than page by page inside
+    // the first search.
+    clear_hash_table();
     char line[128];
     send_line(format_line(line, sizeof line, "info string allocated %d Mbytes for hash table", megabytes));
     return 1;

@@ -1,11 +1,15 @@
 #include "board/fen.h"
 #include "search/tt.h"
+#include "uci/options.h"
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>
 #include <cstring>
 #include <random>
+#include <sys/mman.h>
 #include <sys/resource.h>
+#include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -180,4 +184,22 @@ TEST_F(TransTableTest, AFailedResizeKeepsTheTable)
     EXPECT_EQ(got, 0);
     EXPECT_EQ(tt_megabytes(), 1);
     EXPECT_EQ(probe_key(0x1234567890ABCDEFULL).score, 55);
+}
+
+// A new table is written whole when the engine allocates it, so that the
+// first search does not pay for faulting its pages in (with huge pages,
+// most of a short first move).
+TEST_F(TransTableTest, AnAllocatedTableIsInMemoryBeforeTheFirstSearch)
+{
+    ASSERT_EQ(allocate_hash(8), 1);
+    size_t bytes = (size_t(tt.entries) + 16) * 16;
+    size_t page = size_t(sysconf(_SC_PAGESIZE));
+    std::vector<unsigned char> resident((bytes + page - 1) / page);
+    ASSERT_EQ(mincore(tt.words, bytes, resident.data()), 0);
+    size_t out = 0;
+    for (unsigned char r : resident)
+        out += !(r & 1);
+    EXPECT_EQ(out, 0u) << "of " << resident.size() << " pages";
+    EXPECT_LT(probe_key(0x1234567890ABCDEFULL).depth, -9);
+    tt_allocate(1);
 }
