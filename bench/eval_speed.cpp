@@ -56,12 +56,12 @@ int main(int argc, char** argv)
         clear_eval_caches(caches.get());
         double start = now_seconds();
         for (const Position& p : positions)
-            sum += evaluate(&p, caches.get(), p.side, 2, 0, 0, nullptr);
+            sum += evaluate(&p, caches.get(), p.side, 2, 0, nullptr);
         cold += now_seconds() - start;
         // Same positions again: now answered by the evaluation cache.
         start = now_seconds();
         for (const Position& p : positions)
-            sum += evaluate(&p, caches.get(), p.side, 2, 0, 0, nullptr);
+            sum += evaluate(&p, caches.get(), p.side, 2, 0, nullptr);
         warm += now_seconds() - start;
     }
     double n = double(positions.size()) * rounds;

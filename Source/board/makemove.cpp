@@ -78,11 +78,6 @@ void place_piece(Position* pos, int code, int sq)
     place_keyed(pos, code, sq);
 }
 
-void remove_piece(Position* pos, int sq)
-{
-    remove_keyed(pos, sq);
-}
-
 void make_move(Position* pos, Move move)
 {
     int from = move_from(move), to = move_to(move);

@@ -29,5 +29,4 @@ inline uint64_t key_after(const Position* pos, Move move)
 
 // Piece placement with every summary kept current.
 void place_piece(Position* pos, int code, int sq);
-void remove_piece(Position* pos, int sq);
 

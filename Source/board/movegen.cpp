@@ -190,7 +190,7 @@ MoveEntry* quiets_into(const Position* pos, int side, MoveEntry* list, int check
 
 } // namespace
 
-MoveEntry* gen_every(const Position* pos, int side, MoveEntry* list, int checker)
+MoveEntry* gen_pseudo_legal(const Position* pos, int side, MoveEntry* list, int checker)
 {
     Bitboard occ = occupancy(pos);
     Bitboard empty = ~occ;
@@ -237,7 +237,7 @@ MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checke
 
 MoveEntry* gen_all(const Position* pos, MoveEntry* list)
 {
-    list = gen_every(pos, pos->side, list, NO_SQUARE);
+    list = gen_pseudo_legal(pos, pos->side, list, NO_SQUARE);
     list->move = MOVE_END;
     return list;
 }

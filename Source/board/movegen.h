@@ -30,7 +30,7 @@ MoveEntry* gen_quiets(const Position* pos, int side, MoveEntry* list, int checke
 // Captures, all four promotions and quiet moves, in that order: what the
 // three generators above give one after the other, each man's attacks
 // worked out once. Returns the end of the list (no end marker).
-MoveEntry* gen_every(const Position* pos, int side, MoveEntry* list, int checker);
+MoveEntry* gen_pseudo_legal(const Position* pos, int side, MoveEntry* list, int checker);
 
 // Every pseudo-legal move of the side to move, ended by MOVE_END; returns the
 // address of the end marker.

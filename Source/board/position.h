@@ -45,10 +45,6 @@ inline Bitboard occupancy(const Position* pos)
 {
     return pos->pieces[0][0] | pos->pieces[1][0];
 }
-inline Bitboard pieces_of(const Position* pos, int side, int type)
-{
-    return pos->pieces[side][type];
-}
 inline Bitboard all_pawns(const Position* pos)
 {
     return pos->pieces[0][PAWN] | pos->pieces[1][PAWN];

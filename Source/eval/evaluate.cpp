@@ -788,15 +788,13 @@ void init_evaluation()
     kpk_init();
 }
 
-int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int skip, int trace, int16_t* threats)
+int evaluate(const Position* pos, EvalCaches* c, int stm, int ply, int trace, int16_t* threats)
 {
     c->eval_count++;
     // Answers that come before the tallies leave none: the search must not
     // read a threat left over from another node.
     if (threats)
         threats[0] = threats[1] = 0;
-    if (skip)
-        return -10001;
     int special;
     if (special_ending(pos, stm, &special)) {
         // The terms are shown as the full evaluation counts them; the score

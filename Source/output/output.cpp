@@ -81,7 +81,7 @@ void open_log()
     send_line("log file in use.");
 }
 
-void close_log_flag()
+void stop_logging()
 {
     std::lock_guard<std::mutex> guard(output_lock);
     log_enabled = false;

@@ -30,7 +30,7 @@ const char* format_line(char* buffer, size_t size, const char* format, ...) __at
 // Switches logging on, opening "korvel.log" unless a log is already open.
 void open_log();
 // Switches logging off; the file stays open for a later switch-on.
-void close_log_flag();
+void stop_logging();
 bool log_is_enabled();
 
 // Copies a received command line to the log as "CMD: %s".

@@ -135,7 +135,6 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
     PlyInfo& pi = t->plies[ROOT_PLY];
     const int window_alpha = alpha;
     pi.alpha = int16_t(alpha);
-    pi.beta = int16_t(beta);
     pi.depth = int16_t(depth);
     pi.reduction = 0;
     pi.list_end = t->move_buffer; // the root keeps its own list; children start behind this slot
@@ -154,7 +153,6 @@ int search_root(SearchThread* t, int depth, int alpha, int beta, int line)
         MoveEntry* e = &rm.entry;
         Move move = e->move;
         int cls = move_class(t, move, e->piece, e->captured, ci);
-        pi.move_class = uint16_t(cls);
         if (show_current)
             search_reporter.current_move(move, i + 1);
         int tried = i - line;
@@ -325,7 +323,7 @@ void run_search(SearchThread* t)
     t->plies[0].tb_result = -1;
     t->plies[0].eval = NO_SCORE;
     t->plies[ROOT_PLY].eval =
-        int16_t(evaluate(&t->pos, &t->eval, t->pos.side, plies_from_root(ROOT_PLY), 0, 0, t->plies[ROOT_PLY].threat));
+        int16_t(evaluate(&t->pos, &t->eval, t->pos.side, plies_from_root(ROOT_PLY), 0, t->plies[ROOT_PLY].threat));
 
     if (main) {
         limits.single_reply = t->root_count == 1;

@@ -26,8 +26,9 @@ enum StopSignal : uint8_t {
     STOP_SHUTDOWN = 99,
 };
 
-// search_mode values: only a timed search stops on the clock.
-enum SearchMode : uint8_t { MODE_UNTIMED = 1, MODE_PONDER = 2, MODE_TIMED = 3 };
+// search_mode values: only a timed search stops on the clock; a ponder
+// search turns timed on ponderhit.
+enum SearchMode : uint8_t { MODE_PONDER = 2, MODE_TIMED = 3 };
 
 // The deepest iteration a depth limit may ask for: one past the ply limit.
 constexpr int MAX_SEARCH_DEPTH = MAX_SEARCH_PLY + 1;

@@ -145,7 +145,7 @@ void init_picker(SearchThread* t, int ply, int mode, int checker)
     pi.move_list = list_start(t, ply);
     pi.list_end = pi.move_list;
     pi.next = pi.move_list;
-    pi.king_square = uint8_t(checker);
+    pi.checker_square = uint8_t(checker);
     pi.pick_stage = uint16_t(mode | ((mode & PICK_ORDERED) ? STAGE_HASH : STAGE_GEN_ALL));
 }
 
@@ -168,7 +168,7 @@ MoveEntry* next_move(SearchThread* t, int ply)
             }
             break;
         case STAGE_GEN_CAPTURES: {
-            MoveEntry* end = gen_captures(pos, side, pi.list_end, pi.king_square);
+            MoveEntry* end = gen_captures(pos, side, pi.list_end, pi.checker_square);
             end = gen_promotions(pos, side, pi.pick_stage & PICK_SEE, end);
             score_captures(t, pi, pi.list_end, end);
             if (pi.pick_stage & PICK_SEE)
@@ -198,7 +198,7 @@ MoveEntry* next_move(SearchThread* t, int ply)
             break;
         }
         case STAGE_GEN_QUIETS: {
-            MoveEntry* end = gen_quiets(pos, side, pi.list_end, pi.king_square);
+            MoveEntry* end = gen_quiets(pos, side, pi.list_end, pi.checker_square);
             score_quiets(t, ply, pi, pi.list_end, end);
             pi.list_end = end;
             set_stage(pi, STAGE_REST);
@@ -212,7 +212,7 @@ MoveEntry* next_move(SearchThread* t, int ply)
             set_stage(pi, STAGE_END);
             break;
         case STAGE_GEN_ALL: {
-            pi.list_end = gen_every(pos, side, pi.list_end, pi.king_square);
+            pi.list_end = gen_pseudo_legal(pos, side, pi.list_end, pi.checker_square);
             set_stage(pi, STAGE_WALK);
             break;
         }

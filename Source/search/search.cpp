@@ -184,16 +184,11 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     prefetch_pawn_entry(&t->eval, pawn_cache_key(pos->pawn_key, pos->king_square[WHITE], pos->king_square[BLACK]));
 
     // Step 6: this ply's record.
-    pi.node_type = int16_t(node_type);
     pi.alpha = int16_t(alpha);
-    pi.beta = int16_t(beta);
     pi.moves_tried = 0;
     pi.hash_move = 0;
-    pi.razored = 0;
     pi.iid_active = 0;
-    pi.extend_hash_move = 0;
     pi.tb_result = -1;
-    pi.move_class = 0;
     pi.reduction = 0;
     pi.current_move = nullptr;
     pi.list_end = list_start(t, ply);
@@ -202,7 +197,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     int checker = find_attacker(pos, pos->king_square[side], side ^ 1, occupancy(pos));
     bool in_check = checker != NO_SQUARE;
     pi.in_check = in_check;
-    pi.king_square = uint8_t(checker);
+    pi.checker_square = uint8_t(checker);
 
     // Step 8: repetition and fifty-move draws.
     int from_root = plies_from_root(ply);
@@ -264,7 +259,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
                 int s = r == 0 ? ply - (TB_WIN + 1) : r == 4 ? TB_WIN - ply : 0;
                 if (s <= alpha)
                     s = alpha;
-                pi.alpha = pi.beta = int16_t(s);
+                pi.alpha = int16_t(s);
                 return s;
             }
             if (r >= 6 - parent.tb_result)
@@ -273,7 +268,7 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     }
 
     // Step 12: static evaluation.
-    int eval = evaluate(pos, &t->eval, side, from_root, 0, 0, t->plies[ply].threat);
+    int eval = evaluate(pos, &t->eval, side, from_root, 0, t->plies[ply].threat);
     pi.eval = int16_t(eval);
 
     // Step 13: too deep.
@@ -298,7 +293,6 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
     // Step 17: razoring.
     if (depth <= search_params.fp_depth && eval <= alpha - search_params.fp_margin[margin_index(depth)] && !tt_fail_high
         && alpha < MATE_BOUND && node_type != NODE_PV) {
-        pi.razored = 1;
         return quiesce(t, side, ply, depth, alpha, beta, node_type, pv);
     }
 
@@ -378,7 +372,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
     child_pv[ply + 1] = 0;
     PinInfo pins = in_check ? pin_info(pos, side) : pin_info_unchecked(pos, side);
     CheckInfo ci = check_info(pos);
-    init_picker(t, ply, MODE_SEARCH, in_check ? pi.king_square : NO_SQUARE);
+    init_picker(t, ply, MODE_SEARCH, in_check ? pi.checker_square : NO_SQUARE);
     bool hash_tried = false;
     pi.moves_tried = 0;
 
@@ -399,7 +393,6 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
 
         // Step 3: class of the move.
         int cls = move_class(t, move, e->piece, e->captured, ci);
-        pi.move_class = uint16_t(cls);
         bool quiet = (cls & 63) == 0;
         int hist = e->score;
 
@@ -456,8 +449,7 @@ int search_moves(SearchThread* t, int side, int ply, int depth, int alpha, int b
                                  node_type == NODE_PV ? NODE_PV : NODE_ALL, child_pv);
             }
         } else {
-            int extend = pi.extend_hash_move && move == pi.hash_move ? 1 : 0;
-            v = -search_node(t, side ^ 1, ply + 1, depth - 1 + extend, -beta, -alpha, -node_type, child_pv);
+            v = -search_node(t, side ^ 1, ply + 1, depth - 1, -beta, -alpha, -node_type, child_pv);
         }
         unmake_move(pos);
         if (search_stopped())

@@ -8,7 +8,9 @@ struct SearchThread;
 
 enum NodeType { NODE_PV = 0, NODE_CUT = 1, NODE_ALL = -1 };
 
-// Fail-hard alpha-beta on the thread's position. `pv` is the caller's
+// Alpha-beta on the thread's position. The move loop is fail-soft (the best
+// score found is returned, outside the window too); the table, null-move and
+// pruning cutoffs return alpha or beta. `pv` is the caller's
 // principal variation array, indexed by ply and ended by 0. Returns 0 at once
 // when the stop flag is set.
 int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv);

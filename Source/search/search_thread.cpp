@@ -31,13 +31,13 @@ Game root_game;
 
 } // namespace
 
-void set_search_root(const Position* game)
+void set_root_position(const Position* game)
 {
     game_init(&root_game);
     copy_position(&root_game.pos, root_game.undo, game);
 }
 
-const Position* search_root()
+const Position* root_position()
 {
     return &root_game.pos;
 }

@@ -107,8 +107,8 @@ struct SearchThread {
 // The position the next search starts from, with the game's history. The
 // front end sets it before each search; every worker copies it when it
 // starts, so the game itself may change while a search runs.
-void set_search_root(const Position* game);
-const Position* search_root();
+void set_root_position(const Position* game);
+const Position* root_position();
 
 // Points a position at its record; to be called once per record.
 inline void attach_position(SearchThread* t)

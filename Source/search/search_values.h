@@ -6,12 +6,14 @@
 constexpr int INFINITE_SCORE = 10001;
 constexpr int MATE = 10000;      // a side mated at ply p scores p - MATE
 constexpr int MATE_BOUND = 9599; // scores this large are mate scores
-constexpr int NEAR_MATE = 9000;  // exact table scores beyond this cut at any node; no ProbCut above it
+// Exact table scores beyond this end a node of enough draft from the root's
+// eighth ply on, PV nodes included; no ProbCut above it.
+constexpr int NEAR_MATE = 9000;
 // The table makes scores relative to the node on store from these bounds on
 // (below -9699, above 9698), though it converts them back from MATE_BOUND on.
 constexpr int STORE_MATE = 9699;
 constexpr int STORE_MATE_LOW = 9698;
-constexpr int TB_WIN = 9800;       // tablebase wins score TB_WIN - ply
+constexpr int TB_WIN = 9800; // tablebase wins score TB_WIN - ply
 // Deeper nodes return their evaluation. A node one ply below it still writes
 // its per-ply record and the end of its line: both must fit MAX_PLY.
 constexpr int MAX_SEARCH_PLY = MAX_PLY - 5;

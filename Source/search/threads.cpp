@@ -9,11 +9,9 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
 #include <pthread.h>
 #include <sched.h>
-#include <string>
-#include <vector>
 
 bool numa_binding = false;
 std::mutex info_lock;
@@ -33,46 +31,51 @@ pthread_t handles[MAX_THREADS];
 int count = 0;
 int planned = 0; // the size of the pool being started, for the NUMA spread
 
-// CPUs of each NUMA node from sysfs; empty when the topology is not there.
-std::vector<cpu_set_t> numa_nodes()
+// CPUs of each NUMA node from sysfs, read once per pool by the thread that
+// starts it: a worker must not allocate (with many threads and little
+// memory an allocation there would end the process).
+constexpr int MAX_NODES = 64;
+cpu_set_t node_cpus[MAX_NODES];
+int node_count = 0;
+
+void read_numa_nodes()
 {
-    std::vector<cpu_set_t> nodes;
-    for (int node = 0; node < 1024; node++) {
-        std::ifstream in("/sys/devices/system/node/node" + std::to_string(node) + "/cpulist");
-        if (!in)
+    node_count = 0;
+    for (int node = 0; node < MAX_NODES; node++) {
+        char path[80], list[4096];
+        std::snprintf(path, sizeof path, "/sys/devices/system/node/node%d/cpulist", node);
+        FILE* f = std::fopen(path, "r");
+        if (!f)
             break;
-        std::string list;
-        std::getline(in, list);
-        cpu_set_t set;
+        bool read = std::fgets(list, sizeof list, f) != nullptr;
+        std::fclose(f);
+        if (!read)
+            break;
+        cpu_set_t& set = node_cpus[node_count++];
         CPU_ZERO(&set);
-        size_t pos = 0;
-        while (pos < list.size()) {
-            size_t comma = list.find(',', pos);
-            std::string part = list.substr(pos, comma == std::string::npos ? std::string::npos : comma - pos);
-            int a = 0, b = 0;
-            if (std::sscanf(part.c_str(), "%d-%d", &a, &b) == 2) {
-                for (int c = a; c <= b && c < CPU_SETSIZE; c++)
-                    CPU_SET(c, &set);
-            } else if (std::sscanf(part.c_str(), "%d", &a) == 1 && a < CPU_SETSIZE) {
-                CPU_SET(a, &set);
-            }
-            if (comma == std::string::npos)
+        // "0-3,8-11": ranges and single CPUs separated by commas.
+        for (char* p = list; *p;) {
+            char* end = nullptr;
+            long a = std::strtol(p, &end, 10);
+            if (end == p)
                 break;
-            pos = comma + 1;
+            long b = a;
+            if (*end == '-')
+                b = std::strtol(end + 1, &end, 10);
+            for (long c = a; c <= b && c >= 0 && c < CPU_SETSIZE; c++)
+                CPU_SET(int(c), &set);
+            p = *end == ',' ? end + 1 : end + std::strlen(end);
         }
-        nodes.push_back(set);
     }
-    return nodes;
 }
 
 // Spreads the workers evenly over the nodes, skipped without a topology.
 void bind_to_node(int number, int total)
 {
-    std::vector<cpu_set_t> nodes = numa_nodes();
-    if (nodes.size() < 2)
+    if (node_count < 2)
         return;
-    size_t node = size_t(number) * nodes.size() / size_t(total);
-    pthread_setaffinity_np(pthread_self(), sizeof(cpu_set_t), &nodes[node]);
+    int node = int(int64_t(number) * node_count / total);
+    pthread_setaffinity_np(pthread_self(), sizeof(cpu_set_t), &node_cpus[node]);
 }
 
 void* worker_main(void* arg)
@@ -118,6 +121,8 @@ bool start_threads(int n)
         failed[i].store(false);
     }
     planned = n;
+    if (numa_binding || n > NUMA_THRESHOLD)
+        read_numa_nodes();
     int created = 0;
     while (created < n
            && pthread_create(&handles[created], nullptr, worker_main, reinterpret_cast<void*>(intptr_t(created))) == 0)

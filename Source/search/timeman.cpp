@@ -29,7 +29,7 @@ double& own_clock(int side)
 
 void set_target_time()
 {
-    const Position* root = search_root();
+    const Position* root = root_position();
     int side = root->side;
     int ply = root->game_ply;
     double& clock = own_clock(side);
@@ -118,7 +118,7 @@ void prepare_search()
 
     tt_new_search();
     tt.use_hash = search_config.hash_mb >= 1;
-    limits.root_score = search_root()->fifty > 100 ? 0 : -MATE;
+    limits.root_score = root_position()->fifty > 100 ? 0 : -MATE;
     for (auto& n : limits.nodes_at_depth)
         n = 0;
     for (auto& s : limits.root_score_by_depth)
@@ -133,7 +133,7 @@ void prepare_search()
     limits.best_line[0] = 0;
     limits.search_depth = 0;
     limits.search_started = false;
-    eval_options.engine_side = search_root()->side;
+    eval_options.engine_side = root_position()->side;
     limits.random_word = uint32_t(std::rand()) * 2654435761u;
     limits.search_mode = limits.search_state == PONDER_REQUESTED ? MODE_PONDER : MODE_TIMED;
     if (search_config.changed) {
@@ -159,7 +159,7 @@ bool time_is_up(double elapsed, int depth)
 {
     if (limits.stop_signal != STOP_NONE || limits.search_mode != MODE_TIMED || depth <= 1 || elapsed < MIN_ELAPSED)
         return false;
-    double remaining = std::max(0.0, own_clock(search_root()->side) - elapsed);
+    double remaining = std::max(0.0, own_clock(root_position()->side) - elapsed);
     double t = limits.target_time;
     double overhead = 0;
     if (limits.fixed_limit != 1) {

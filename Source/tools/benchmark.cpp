@@ -57,7 +57,7 @@ void run_benchmark(int count, bool direct)
     Position* pos = game_init(&game);
     for (int i = 0; i < count && i < 20; i++) {
         set_position(pos, BENCH_POSITIONS[i]);
-        set_search_root(pos);
+        set_root_position(pos);
         if (tt.use_hash && tt.words && count_busy_threads() == 0)
             clear_hash_table();
         limits.search_state = SEARCH_REQUESTED;

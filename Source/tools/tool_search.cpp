@@ -20,7 +20,7 @@ void tool_clear_hash()
 
 void tool_search(const Position* pos, bool threaded, bool hash_off, ToolSearch* out)
 {
-    set_search_root(pos);
+    set_root_position(pos);
     limits.search_state = SEARCH_REQUESTED;
     prepare_search();
     limits.search_state = SEARCH_FINISH;

@@ -269,7 +269,7 @@ int train_position(SearchThread* t, float target, double learning_rate)
     EvalCaches* c = &t->eval;
     c->tuning = 1;
     c->touched_count = 0;
-    int s = evaluate(&t->pos, c, t->pos.side, 1, 0, 0, nullptr);
+    int s = evaluate(&t->pos, c, t->pos.side, 1, 0, nullptr);
     c->tuning = 0;
     float err = float(win_probability(s)) - target;
     if (t->pos.side == BLACK)

@@ -409,7 +409,7 @@ void handle_console_command(char* line)
         send_line("set default personality");
     } else if (!std::strcmp(cmd, "eval")) {
         static EvalCaches caches;
-        evaluate(game_position(), &caches, game_position()->side, 0, 0, std::atoi(arg) >= 2 ? 2 : 1, nullptr);
+        evaluate(game_position(), &caches, game_position()->side, 0, std::atoi(arg) >= 2 ? 2 : 1, nullptr);
     } else if (!std::strcmp(cmd, "new")) {
         if (set_game_position(START_FEN))
             show_game_board();

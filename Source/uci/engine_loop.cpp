@@ -42,7 +42,7 @@ Move checked_book_move(Move move)
 void start_search()
 {
     apply_waiting_settings(); // the workers are idle here: a new go stopped them
-    set_search_root(game_position());
+    set_root_position(game_position());
     prepare_search();
     print_search_start();
     book_move = 0;
@@ -164,7 +164,7 @@ void report_if_due()
         // The move answers the position the search started from. Console
         // commands are served while the engine thinks; if they changed the
         // game meanwhile, the move belongs to no position on the board.
-        if (!limits.best_move || game_position()->key != search_root()->key) {
+        if (!limits.best_move || game_position()->key != root_position()->key) {
             self_play = play_once = false;
             return;
         }

@@ -212,7 +212,7 @@ void carry_out(OptionEffect effect)
         if (settings.log_enabled)
             open_log();
         else
-            close_log_flag();
+            stop_logging();
         settings.log_enabled = log_is_enabled() ? 1 : 0;
         break;
     }

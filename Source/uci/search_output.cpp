@@ -135,7 +135,7 @@ void print_search_start()
 {
     if (!search_is_timed())
         return;
-    const Position* root = search_root();
+    const Position* root = root_position();
     char fen[128], line[256];
     write_fen(root, fen);
     double clock = root->side == WHITE ? limits.white_time : limits.black_time;

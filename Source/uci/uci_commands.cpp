@@ -253,7 +253,7 @@ void handle_uci_command(char* line)
         protocol_mode = 1;
         char text[128];
         send_line(format_line(text, sizeof text, "id name %s", ENGINE_NAME));
-        send_line("id author Tamsin Vell");
+        send_line(format_line(text, sizeof text, "id author %s", ENGINE_AUTHOR));
         print_option_lines();
         send_line("uciok");
     } else if (!std::strcmp(word, "isready")) {
@@ -263,7 +263,8 @@ void handle_uci_command(char* line)
         // cannot change under it waits for its end.
         setoption_command(args);
     } else if (!std::strcmp(word, "debug")) {
-        // Command logging is always on; nothing to do.
+        // Nothing to switch on: with Log on, every command and line is in
+        // the log already.
     } else if (!std::strcmp(word, "_show")) {
         print_search_parameters();
     } else if (!std::strcmp(word, "ucinewgame")) {

@@ -101,7 +101,7 @@ void exercise(Position* pos, FuzzInput* rest)
         if (pos->board[sq])
             swap(pos, piece_side(pos->board[sq]) ^ 1, NO_SQUARE, sq);
     int16_t threats[2];
-    evaluate(pos, &caches, pos->side, 1, 0, 0, threats);
+    evaluate(pos, &caches, pos->side, 1, 0, threats);
 }
 
 void read_one(const char* text, FuzzInput* rest)

@@ -59,9 +59,9 @@ void check_evaluations()
     for (const char* fen : FENS) {
         Position* pos = game_init(&game);
         set_position(pos, fen);
-        int straight = evaluate(pos, &caches, pos->side, 0, 0, 0, nullptr);
-        evaluate(pos, &caches, pos->side, 2, 0, 0, nullptr);
-        if (evaluate(pos, &caches, pos->side, 2, 0, 0, nullptr) != straight)
+        int straight = evaluate(pos, &caches, pos->side, 0, 0, nullptr);
+        evaluate(pos, &caches, pos->side, 2, 0, nullptr);
+        if (evaluate(pos, &caches, pos->side, 2, 0, nullptr) != straight)
             fuzz_fail("the cached evaluation differs from the straight one");
     }
 }

@@ -173,14 +173,14 @@ TEST(MoveGen, MovesToChosenSquares)
 namespace
 {
 
-// gen_every must give, entry for entry, what the three generators give in turn.
+// gen_pseudo_legal must give, entry for entry, what the three generators give in turn.
 void expect_every_matches_parts(const Position* pos, int checker)
 {
     MoveEntry parts[MAX_MOVES], every[MAX_MOVES];
     MoveEntry* end = gen_captures(pos, pos->side, parts, checker);
     end = gen_promotions(pos, pos->side, true, end);
     end = gen_quiets(pos, pos->side, end, checker);
-    MoveEntry* every_end = gen_every(pos, pos->side, every, checker);
+    MoveEntry* every_end = gen_pseudo_legal(pos, pos->side, every, checker);
     ASSERT_EQ(every_end - every, end - parts);
     for (int i = 0; i < end - parts; i++) {
         ASSERT_EQ(every[i].move, parts[i].move) << i;

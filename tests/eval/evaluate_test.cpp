@@ -26,13 +26,13 @@ class Evaluation : public ::testing::Test
     int eval(const std::string& fen, int ply = 0)
     {
         set_test_position(g, fen);
-        return evaluate(&g->pos, c.get(), g->pos.side, ply, 0, 0, nullptr);
+        return evaluate(&g->pos, c.get(), g->pos.side, ply, 0, nullptr);
     }
     std::string trace(const std::string& fen, int level = 1)
     {
         set_test_position(g, fen);
         testing::internal::CaptureStdout();
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, level, nullptr);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, level, nullptr);
         return testing::internal::GetCapturedStdout();
     }
     // The signed weight with which `row` entered the evaluation of `fen`
@@ -42,7 +42,7 @@ class Evaluation : public ::testing::Test
         set_test_position(g, fen);
         param_table[row].coef = 0;
         c->tuning = 1;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, nullptr);
         c->tuning = 0;
         return param_table[row].coef;
     }
@@ -137,12 +137,11 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
         set_test_position(g, fens[i]);
         c->eval_hash[g->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
         uint64_t pawn_hits = c->pawn_hits;
-        EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 0, 0, nullptr), cold[i]) << fens[i];
+        EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 0, nullptr), cold[i]) << fens[i];
         EXPECT_EQ(c->pawn_hits, pawn_hits + 1);
     }
     EXPECT_NE(cold[0], cold[1]);
     EXPECT_NE(cold[0], cold[2]);
-    EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 1, 0, nullptr), -10001);
 }
 
 // With the tuning flag each row records the signed weight it entered with:
@@ -157,11 +156,11 @@ TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
         set_test_position(g, fen);
         testing::internal::CaptureStdout();
         c->tuning = 0;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 1, nullptr);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 1, nullptr);
         std::string text = testing::internal::GetCapturedStdout();
         c->tuning = 1;
         int traced = std::atoi(text.substr(text.find("eval= ") + 6).c_str());
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, 0, nullptr);
+        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, nullptr);
         double op = 0, eg = 0;
         for (int row = 0; row < PARAM_ROWS; row++) {
             op += param_table[row].coef * param_table[row].opening_f;
@@ -194,7 +193,7 @@ TEST_F(Evaluation, SpecialEndingsLeaveNoThreats)
 {
     set_test_position(g, "k7/8/2K5/8/8/8/8/7R w - -");
     int16_t threats[2] = {250, 800};
-    EXPECT_EQ(evaluate(&g->pos, c.get(), g->pos.side, 3, 0, 0, threats), 788);
+    EXPECT_EQ(evaluate(&g->pos, c.get(), g->pos.side, 3, 0, threats), 788);
     EXPECT_EQ(threats[0], 0);
     EXPECT_EQ(threats[1], 0);
 }

@@ -212,8 +212,8 @@ TEST(Params, ParamsFileValuesAreBounded)
     Game* g = new_test_game();
     for (const PerftCase& c : load_perft_cases()) {
         set_position(&g->pos, c.fen.c_str());
-        int s = evaluate(&g->pos, caches.get(), g->pos.side, 2, 0, 0, nullptr);
-        EXPECT_EQ(evaluate(&g->pos, caches.get(), g->pos.side, 0, 0, 0, nullptr), s) << c.fen;
+        int s = evaluate(&g->pos, caches.get(), g->pos.side, 2, 0, nullptr);
+        EXPECT_EQ(evaluate(&g->pos, caches.get(), g->pos.side, 0, 0, nullptr), s) << c.fen;
     }
     free_test_game(g);
     reset_weights();

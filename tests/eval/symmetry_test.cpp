@@ -68,7 +68,7 @@ std::string file_mirror(const std::string& fen)
 int eval_of(Game* g, EvalCaches* c, const std::string& fen)
 {
     set_test_position(g, fen);
-    return evaluate(&g->pos, c, g->pos.side, 0, 0, 0, nullptr);
+    return evaluate(&g->pos, c, g->pos.side, 0, 0, nullptr);
 }
 
 } // namespace

@@ -17,7 +17,7 @@ TEST(Output, LogFile)
     send_line("first");
     open_log();
     send_line("second");
-    close_log_flag();
+    stop_logging();
     send_line("hidden");
     log_command("ignored while off");
     open_log();

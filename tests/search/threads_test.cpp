@@ -19,7 +19,7 @@ TEST(Threads, HelpersStoppedBeforeTheMainThreadStartsLeaveItAlone)
     harness_start(4);
     set_game_position(START_FEN);
     for (int i = 0; i < 20; i++) {
-        set_search_root(game_position());
+        set_root_position(game_position());
         limits.search_state = SEARCH_REQUESTED;
         prepare_search();
         limits.search_state = SEARCH_FINISH;

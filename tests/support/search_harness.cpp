@@ -47,7 +47,7 @@ SearchOutcome harness_search(const std::string& fen, int depth, const std::strin
     if (fifty)
         game_position()->fifty = uint8_t(fifty);
     go_command(("depth " + std::to_string(depth)).c_str());
-    set_search_root(game_position());
+    set_root_position(game_position());
     prepare_search();
     limits.search_state = SEARCH_FINISH;
     start_search_threads();

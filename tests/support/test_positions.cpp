@@ -60,7 +60,7 @@ void reset_game_to_start()
 {
     make_keys_once();
     set_game_position(START_FEN);
-    set_search_root(game_position());
+    set_root_position(game_position());
 }
 
 void set_test_position(Position* pos, const std::string& fen)

@@ -128,12 +128,12 @@ TEST_F(Tuner, ASearchAfterTrainingSeesTheNewValues)
     ASSERT_NE(t, nullptr);
     set_position(&t->pos, MIDDLEGAME);
     // Deep in a search both caches answer for this position.
-    int before = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, 0, nullptr);
+    int before = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, nullptr);
     std::ofstream("one.epd") << MIDDLEGAME << " ce 0; gr 0.0;\n";
     tune("one.epd", 5.0, 1, 20);
     set_position(&t->pos, MIDDLEGAME);
-    int cached = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, 0, nullptr);
-    int fresh = evaluate(&t->pos, &t->eval, t->pos.side, 0, 0, 0, nullptr);
+    int cached = evaluate(&t->pos, &t->eval, t->pos.side, 2, 0, nullptr);
+    int fresh = evaluate(&t->pos, &t->eval, t->pos.side, 0, 0, nullptr);
     EXPECT_LT(fresh, before); // trained towards a loss
     EXPECT_EQ(cached, fresh);
 }
