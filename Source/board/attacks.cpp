@@ -1,6 +1,6 @@
 #include "board/attacks.h"
 
-#if defined(__BMI2__)
+#if defined(KORVEL_SLIDERS_BY_EXTRACTION)
 
 SliderIndex ROOK_INDEX, BISHOP_INDEX;
 Bitboard SLIDER_ATTACKS[102400 + 5248];

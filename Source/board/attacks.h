@@ -12,7 +12,11 @@
 
 #include <array>
 #include <cstdint>
-#if defined(__BMI2__)
+
+// Bit extraction where the processor has it, unless the build asks for
+// the ray path (KORVEL_RAY_ATTACKS) in order to test it.
+#if defined(__BMI2__) && !defined(KORVEL_RAY_ATTACKS)
+#define KORVEL_SLIDERS_BY_EXTRACTION 1
 #include <immintrin.h>
 #endif
 
@@ -151,7 +155,8 @@ inline Bitboard bishop_attacks_by_rays(int sq, Bitboard occ)
     return att;
 }
 
-#if defined(__BMI2__)
+#if defined(KORVEL_SLIDERS_BY_EXTRACTION)
+constexpr bool SLIDERS_BY_EXTRACTION = true;
 // Where the processor extracts bits in one instruction, a slider's attacks
 // are a single table read: the occupancy of the squares that can block it
 // (its lines without their last square) gathered into an index. The rook
@@ -173,6 +178,9 @@ inline Bitboard bishop_attacks(int sq, Bitboard occ)
     return SLIDER_ATTACKS[BISHOP_INDEX.offset[sq] + _pext_u64(occ, BISHOP_INDEX.mask[sq])];
 }
 #else
+// Rays and their first blockers: processors without bit extraction, and
+// builds that ask for it (KORVEL_RAY_ATTACKS) to test this path.
+constexpr bool SLIDERS_BY_EXTRACTION = false;
 inline Bitboard rook_attacks(int sq, Bitboard occ)
 {
     return rook_attacks_by_rays(sq, occ);

@@ -4,48 +4,7 @@
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
-namespace
-{
-
-Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
-{
-    Bitboard att = 0;
-    for (int d = 0; d < 4; d++) {
-        int f = file_of(sq) + df[d], r = rank_of(sq) + dr[d];
-        while (f >= 0 && f < 8 && r >= 0 && r < 8) {
-            att |= bit(make_square(f, r));
-            if (occ & bit(make_square(f, r)))
-                break;
-            f += df[d];
-            r += dr[d];
-        }
-    }
-    return att;
-}
-
-} // namespace
-
-TEST(Attacks, SlidersMatchASquareBySquareWalk)
-{
-    const int rf[4] = {0, 0, 1, -1}, rr[4] = {1, -1, 0, 0};
-    const int bf[4] = {1, 1, -1, -1}, br[4] = {1, -1, 1, -1};
-    std::mt19937_64 rng(7);
-    for (int i = 0; i < 20000; i++) {
-        Bitboard occ = rng() & rng();
-        int sq = int(rng() % 64);
-        ASSERT_EQ(rook_attacks(sq, occ), walk(sq, occ, rf, rr)) << sq << " " << occ;
-        ASSERT_EQ(bishop_attacks(sq, occ), walk(sq, occ, bf, br)) << sq << " " << occ;
-    }
-    // Empty boards exercise the sentinel squares at both ends.
-    for (int sq = 0; sq < 64; sq++) {
-        EXPECT_EQ(rook_attacks(sq, 0), ROOK_RAYS[sq]);
-        EXPECT_EQ(bishop_attacks(sq, 0), BISHOP_RAYS[sq]);
-    }
-    // Rook on a1, blocker on a5: a2..a5 and the whole first rank.
-    EXPECT_EQ(rook_attacks(0, bit(32)), bit(8) | bit(16) | bit(24) | bit(32) | 0xFEULL);
-}
 
 TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
 {

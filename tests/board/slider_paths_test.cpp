@@ -1,0 +1,113 @@
+// Slider attacks as this build computes them (one table read by bit
+// extraction, or rays and their first blockers, which processors without
+// the instruction run): the same sets as a square-by-square walk, and the
+// perft counts of the data. This file uses the board alone, so that a
+// second, small build can check the ray path on any machine.
+#include "board/attacks.h"
+#include "board/fen.h"
+#include "board/legality.h"
+#include "board/makemove.h"
+#include "board/movegen.h"
+#include "board/zobrist.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+#include <string>
+
+namespace
+{
+
+Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
+{
+    Bitboard att = 0;
+    for (int d = 0; d < 4; d++) {
+        int f = file_of(sq) + df[d], r = rank_of(sq) + dr[d];
+        while (f >= 0 && f < 8 && r >= 0 && r < 8) {
+            att |= bit(make_square(f, r));
+            if (occ & bit(make_square(f, r)))
+                break;
+            f += df[d];
+            r += dr[d];
+        }
+    }
+    return att;
+}
+
+uint64_t perft(Position* pos, int depth)
+{
+    MoveEntry list[MAX_MOVES];
+    gen_all(pos, list);
+    uint64_t n = 0;
+    for (MoveEntry* e = list; e->move != MOVE_END; e++) {
+        if (!is_legal(pos, pos->side, e->move))
+            continue;
+        if (depth == 1) {
+            n++;
+            continue;
+        }
+        make_move(pos, e->move);
+        n += perft(pos, depth - 1);
+        unmake_move(pos);
+    }
+    return n;
+}
+
+} // namespace
+
+TEST(SliderPaths, TheBuildUsesThePathItWasAskedFor)
+{
+#if defined(KORVEL_RAY_ATTACKS)
+    EXPECT_FALSE(SLIDERS_BY_EXTRACTION);
+#elif defined(__BMI2__)
+    EXPECT_TRUE(SLIDERS_BY_EXTRACTION);
+#endif
+}
+
+TEST(SliderPaths, SlidersMatchASquareBySquareWalk)
+{
+    const int rf[4] = {0, 0, 1, -1}, rr[4] = {1, -1, 0, 0};
+    const int bf[4] = {1, 1, -1, -1}, br[4] = {1, -1, 1, -1};
+    std::mt19937_64 rng(7);
+    for (int i = 0; i < 20000; i++) {
+        Bitboard occ = rng() & rng();
+        int sq = int(rng() % 64);
+        ASSERT_EQ(rook_attacks(sq, occ), walk(sq, occ, rf, rr)) << sq << " " << occ;
+        ASSERT_EQ(bishop_attacks(sq, occ), walk(sq, occ, bf, br)) << sq << " " << occ;
+    }
+    // Empty boards exercise the sentinel squares at both ends.
+    for (int sq = 0; sq < 64; sq++) {
+        EXPECT_EQ(rook_attacks(sq, 0), ROOK_RAYS[sq]);
+        EXPECT_EQ(bishop_attacks(sq, 0), BISHOP_RAYS[sq]);
+    }
+    // Rook on a1, blocker on a5: a2..a5 and the whole first rank.
+    EXPECT_EQ(rook_attacks(0, bit(32)), bit(8) | bit(16) | bit(24) | bit(32) | 0xFEULL);
+}
+
+// Every data position to the deepest depth whose count stays within 300,000
+// (the engine's own perft, deeper, is tested elsewhere).
+TEST(SliderPaths, PerftCountsOfTheData)
+{
+    init_zobrist();
+    std::ifstream in(std::string(KORVEL_DATA_DIR) + "/perft.epd");
+    ASSERT_TRUE(in) << KORVEL_DATA_DIR;
+    static Game game;
+    std::string line;
+    int checked = 0;
+    while (std::getline(in, line)) {
+        size_t semi = line.find(';');
+        if (semi == std::string::npos)
+            continue;
+        Position* pos = game_init(&game);
+        set_position(pos, line.substr(0, semi).c_str());
+        ASSERT_EQ(position_problem(pos), nullptr) << line;
+        std::istringstream ops(line.substr(semi));
+        std::string tag;
+        uint64_t expected;
+        for (int depth = 1; ops >> tag >> expected && expected <= 300000; depth++)
+            ASSERT_EQ(perft(pos, depth), expected) << line << " depth " << depth;
+        checked++;
+    }
+    EXPECT_EQ(checked, 51);
+}
