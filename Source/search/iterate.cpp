@@ -58,18 +58,22 @@ void build_root_moves(SearchThread* t)
     entry.depth = TT_MISS;
     tt_probe(pos, &entry);
     Move hash_move = entry.depth >= -9 ? entry.move : 0;
-    t->root_count = n;
+    int kept = 0;
     for (int i = 0; i < n; i++) {
         MoveEntry e = list[i];
+        if (!root_move_allowed(e.move))
+            continue;
         int score = 0;
         if (e.move == hash_move)
             score = 3000;
         else if (e.captured || is_promotion(e.move))
             score = 1000 + swap(pos, pos->side, move_from(e.move), move_to(e.move));
         e.score = int16_t(score);
-        t->root_moves[i].entry = e;
-        t->root_moves[i].last_score = NO_SCORE;
+        t->root_moves[kept].entry = e;
+        t->root_moves[kept].last_score = NO_SCORE;
+        kept++;
     }
+    t->root_count = kept;
     stable_sort_from(t, 0);
 }
 
@@ -90,7 +94,8 @@ bool root_tablebase_step(SearchThread* t)
     int score = r == 4 ? TB_WIN - 1 : r == 0 ? -TB_WIN : 0;
     if (r >= 0)
         limits.root_score = score;
-    if (move && t->pos.fifty > 9 && is_legal(&t->pos, t->pos.side, move)) {
+    // With go searchmoves the tables' choice must be among the moves given.
+    if (move && t->pos.fifty > 9 && is_legal(&t->pos, t->pos.side, move) && root_move_allowed(move)) {
         t->tbhits++;
         t->best_move = move;
         t->root_score = score;
@@ -286,13 +291,18 @@ void iterate(SearchThread* t)
         if (main) {
             // The root's result goes to the table too: the next search and
             // the console's "hash" line start from it.
-            if (t->best_move)
+            // Not when the root was restricted: its score speaks for some
+            // moves only.
+            if (t->best_move && !limits.root_move_count)
                 tt_store(&t->pos, ROOT_PLY, d, t->best_move, t->root_score, -INFINITE_SCORE, INFINITE_SCORE);
             limits.completed_depth = int8_t(d);
             limits.root_score_by_depth[d] = int16_t(t->root_score);
         }
-        // Step 5: mate found, depth reached, or the game too long.
+        // Step 5: mate found, depth reached, or the game too long; a mate
+        // search ends once a mate as short as asked for is proven.
         if (std::abs(t->root_score) >= MATE - 1 - d || d >= max_depth || t->pos.game_ply + d > LAST_GAME_PLY)
+            break;
+        if (limits.mate_moves && t->root_score >= MATE - 2 * limits.mate_moves)
             break;
     }
     if (main && !search_stopped())

@@ -33,6 +33,9 @@ enum SearchMode : uint8_t { MODE_PONDER = 2, MODE_TIMED = 3 };
 // The deepest iteration a depth limit may ask for: one past the ply limit.
 constexpr int MAX_SEARCH_DEPTH = MAX_SEARCH_PLY + 1;
 
+// No position has more legal moves than this.
+constexpr int MAX_MOVES_AT_ROOT = 256;
+
 struct SearchLimits {
     std::atomic<uint8_t> search_state;
     std::atomic<uint8_t> stop_signal;
@@ -46,8 +49,12 @@ struct SearchLimits {
     double white_time;
     double black_time;
     int16_t moves_to_go;
-    int16_t level_moves;    // console "level": moves per control, 0 for UCI
-    bool infinite;          // go infinite: the report waits for "stop"
+    int16_t level_moves; // console "level": moves per control, 0 for UCI
+    bool infinite;       // go infinite: the report waits for "stop"
+    int16_t mate_moves;  // go mate N: stop once a mate in N or fewer is proven; 0 for none
+    // go searchmoves: the root considers only these (legal ones), when any.
+    int16_t root_move_count;
+    uint16_t root_move_list[MAX_MOVES_AT_ROOT];
     uint8_t base_max_depth; // what each go starts from (the command line may set it)
     uint64_t base_node_limit;
 
@@ -83,10 +90,19 @@ struct SearchLimits {
     // Statistics: the nodes each iteration took (the workers keep their own
     // counters, which the console's summary adds up).
     std::atomic<uint64_t> nodes_at_depth[MAX_PLY + 2];
-
 };
 
 extern SearchLimits limits;
+
+// Whether `move` may be searched at the root (go searchmoves); with no list,
+// every move may.
+inline bool root_move_allowed(uint16_t move)
+{
+    for (int i = 0; i < limits.root_move_count; i++)
+        if (limits.root_move_list[i] == move)
+            return true;
+    return limits.root_move_count == 0;
+}
 
 // True once any stop reason is set: every search loop polls this.
 inline bool search_stopped()

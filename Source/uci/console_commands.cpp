@@ -284,6 +284,8 @@ void start_engine_move(bool continuous)
     stop_and_wait(STOP_SILENT);
     request_engine_moves(continuous);
     limits.infinite = false;
+    limits.mate_moves = 0;
+    limits.root_move_count = 0;
     limits.max_depth = limits.base_max_depth;
     limits.node_limit = limits.base_node_limit;
     limits.search_state = SEARCH_REQUESTED;

@@ -23,6 +23,8 @@
 #include "uci/search_output.h"
 #include "uci/settings.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -56,6 +58,8 @@ void start_search()
         if (!move && game_position()->game_ply < search_settings.book2_depth)
             move = book_probe(pos, search_settings.book2_file, book);
         move = checked_book_move(move);
+        if (!root_move_allowed(move))
+            move = 0; // go searchmoves did not list it
         if (move) {
             char line[128];
             send_line(format_line(line, sizeof line, "%s book move is %s%s", protocol_mode == 1 ? "info string" : "",
@@ -91,6 +95,10 @@ void collect_result()
         best = main->root_moves[0].entry.move; // stopped before the first move was searched
     limits.best_move = best;
     limits.best_score = int16_t(main->root_score);
+    // Stopped before any root move came back with a score: the root's
+    // static evaluation stands for it, never the "mated" it starts from.
+    if (best && limits.best_score <= -MATE_BOUND && limits.completed_depth < 1)
+        limits.best_score = main->plies[ROOT_PLY].eval;
     int n = 0;
     if (best && main->root_pv[0] == best)
         for (; main->root_pv[n] && n < MAX_PLY; n++)
@@ -142,8 +150,18 @@ void report_if_due()
     limits.elapsed = now_seconds() - limits.start_time;
     bool searched = !book_move && !limits.best_move;
     collect_result();
+    if (protocol_mode == 1 && !limits.best_move) {
+        // No legal move: clients read the null move as 0000.
+        send_line(in_check(game_position(), game_position()->side) ? "info depth 0 score mate 0"
+                                                                   : "info depth 0 score cp 0");
+        send_line("bestmove 0000");
+        limits.search_state = SEARCH_IDLE;
+        return;
+    }
+    // A search stopped inside its first iteration still reports depth 1.
     if (searched && worker(0))
-        print_info_line(worker(0), limits.completed_depth, limits.best_score, limits.best_line, 1, ' ');
+        print_info_line(worker(0), std::max<int>(limits.completed_depth, 1), limits.best_score, limits.best_line, 1,
+                        ' ');
     if (protocol_mode == 1) {
         char best[MOVE_TEXT_SIZE], ponder[MOVE_TEXT_SIZE + 8] = "", line[64];
         move_to_coord(limits.best_move, best, reported_move_style());

@@ -2,6 +2,7 @@
 
 #include "board/fen.h"
 #include "board/movegen.h"
+#include "output/engine_name.h"
 #include "output/output.h"
 #include "search/limits.h"
 #include "search/search_thread.h"
@@ -9,7 +10,6 @@
 #include "search/timeman.h"
 #include "search/tt.h"
 #include "uci/bounded_input.h"
-#include "output/engine_name.h"
 #include "uci/game.h"
 #include "uci/input.h"
 #include "uci/options.h"
@@ -172,6 +172,75 @@ void position_command(char* args)
     game_position()->last_move = 0;
 }
 
+// "mate N": search until a mate in N moves or fewer is proven (or another
+// limit given with it ends the search). Without another limit the search is
+// unbounded but for its depth. N below 1 is refused and the go goes on
+// without it.
+void read_mate_limit(const char* args)
+{
+    limits.mate_moves = 0;
+    const char* v = value_after(args, "mate");
+    if (!v)
+        return;
+    long long n = read_count(v);
+    if (n < 1) {
+        char line[128];
+        send_line(
+            format_line(line, sizeof line, "info string mate %lld: a mate search needs 1 move or more, ignored", n));
+        return;
+    }
+    limits.mate_moves = int16_t(clamp_int(n, 1, MAX_SEARCH_DEPTH / 2));
+    bool other = value_after(args, "wtime") || value_after(args, "btime") || value_after(args, "movetime")
+                 || value_after(args, "depth") || value_after(args, "nodes") || limits.infinite;
+    if (!other) {
+        limits.fixed_limit = 1;
+        limits.increment = 0;
+        limits.move_time = 10000000.0;
+        limits.max_depth = MAX_SEARCH_DEPTH;
+        limits.node_limit = 0;
+    }
+}
+
+bool is_go_keyword(const char* token)
+{
+    static const char* const WORDS[] = {"wtime", "btime", "winc",     "binc",   "movestogo", "depth",
+                                        "nodes", "mate",  "movetime", "ponder", "infinite",  "searchmoves"};
+    for (const char* w : WORDS)
+        if (!std::strcmp(token, w))
+            return true;
+    return false;
+}
+
+// "searchmoves m1 m2 ...": the root keeps only the legal moves listed; the
+// others are reported and passed over, and a list that keeps none leaves
+// every move in play.
+void read_root_moves(const char* args)
+{
+    limits.root_move_count = 0;
+    const char* p = std::strstr(args, "searchmoves");
+    if (!p)
+        return;
+    char text[1024];
+    copy_text(text, sizeof text, p + std::strlen("searchmoves"));
+    char* save = nullptr;
+    for (char* token = strtok_r(text, " ", &save); token; token = strtok_r(nullptr, " ", &save)) {
+        if (is_go_keyword(token))
+            break;
+        Move move = coordinate_move(token);
+        if (!move || !is_legal_game_move(move)) {
+            char line[160];
+            send_line(
+                format_line(line, sizeof line, "info string searchmoves: %.60s is no legal move here, ignored", token));
+            continue;
+        }
+        bool listed = false;
+        for (int i = 0; i < limits.root_move_count; i++)
+            listed |= limits.root_move_list[i] == move;
+        if (!listed && limits.root_move_count < MAX_MOVES_AT_ROOT)
+            limits.root_move_list[limits.root_move_count++] = move;
+    }
+}
+
 void go_command(const char* args)
 {
     stop_and_wait(STOP_SILENT);
@@ -226,6 +295,8 @@ void go_command(const char* args)
         limits.max_depth = MAX_SEARCH_DEPTH;
         limits.fixed_limit = 1;
     }
+    read_mate_limit(args);
+    read_root_moves(args);
     limits.search_state = std::strstr(args, "ponder") ? PONDER_REQUESTED : SEARCH_REQUESTED;
 }
 

@@ -9,6 +9,7 @@
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
+#include <algorithm>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -79,8 +80,6 @@ TEST(UciSearch, LimitsAreHonoured)
     // Mate in one: the PV ends with the mate, so there is no ponder move and
     // the line ends right after the move.
     EXPECT_EQ(u.go("fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", "wtime 10000 btime 10000"), "bestmove a1a8");
-    // No legal move at all.
-    EXPECT_EQ(u.go("fen 7k/7P/6K1/8/8/8/8/8 b - - 0 1", "depth 5"), "bestmove null");
 }
 
 TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
@@ -178,4 +177,44 @@ TEST(UciSearch, SelfPlayGameStaysLegal)
         free_test_thread(t);
         EXPECT_EQ(u.e.quit(), 0);
     }
+}
+
+// What clients (python-chess, lichess-bot, match runners) read: no legal
+// move is answered 0000 after a mate or draw score; a search stopped inside
+// its first iteration gives a real score at depth 1; searchmoves and mate
+// limit the search as asked; bad parameters are reported and left out.
+TEST(UciSearch, ClientsGetWhatTheyParse)
+{
+    Uci u;
+    std::vector<std::string> seen;
+    EXPECT_EQ(u.go("fen rnb1kbnr/pppp1ppp/8/4p3/6Pq/5P2/PPPPP2P/RNBQKBNR w KQkq -", "depth 5", &seen), "bestmove 0000");
+    EXPECT_EQ(seen[seen.size() - 2], "info depth 0 score mate 0");
+    EXPECT_EQ(u.go("fen 7k/5Q2/6K1/8/8/8/8/8 b - -", "depth 5", &seen), "bestmove 0000");
+    EXPECT_EQ(seen[seen.size() - 2], "info depth 0 score cp 0");
+
+    // A node limit of one stops the first iteration almost at once.
+    u.go("startpos", "nodes 1", &seen);
+    std::string info = last_info(seen);
+    EXPECT_EQ(info.find("mate"), std::string::npos) << info;
+    EXPECT_GE(value_after(info, "depth"), 1) << info;
+
+    std::string best = u.go("startpos", "depth 6 searchmoves a2a3 h2h4 zz9", &seen);
+    EXPECT_TRUE(best.rfind("bestmove a2a3", 0) == 0 || best.rfind("bestmove h2h4", 0) == 0) << best;
+    EXPECT_NE(std::find(seen.begin(), seen.end(), "info string searchmoves: zz9 is no legal move here, ignored"),
+              seen.end());
+    // Nothing legal listed: every move is searched.
+    EXPECT_EQ(u.go("startpos", "depth 1 searchmoves e2e5", &seen).rfind("bestmove ", 0), 0u);
+
+    // WAC 50: mate in three, found and the search ends there.
+    best = u.go("fen k4r2/1R4pb/1pQp1n1p/3P4/5p1P/3P2P1/r1q1R2K/8 w - -", "mate 3", &seen);
+    EXPECT_EQ(best.rfind("bestmove b7b6", 0), 0u) << best;
+    EXPECT_NE(last_info(seen).find("score mate 3 "), std::string::npos) << last_info(seen);
+    for (const char* bad : {"mate 0 depth 2", "mate -3 depth 2"}) {
+        EXPECT_EQ(u.go("startpos", bad, &seen).rfind("bestmove ", 0), 0u) << bad;
+        EXPECT_NE(std::find_if(seen.begin(), seen.end(),
+                               [](const std::string& l) { return l.rfind("info string mate ", 0) == 0; }),
+                  seen.end())
+            << bad;
+    }
+    EXPECT_EQ(u.e.quit(), 0);
 }
