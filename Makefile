@@ -2,7 +2,8 @@
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE ?= cmake
 
-RELEASE := build/release
+# Each compiler named on the command line builds in a directory of its own.
+RELEASE := build/release$(if $(filter command line,$(origin CXX)),-$(notdir $(CXX)))
 TEST := build/test
 SANITIZE := build/sanitize
 TSAN := build/tsan
@@ -14,6 +15,12 @@ TSAN := build/tsan
 # the perfts in 0.83x the time, with the same node counts. Elsewhere, or with
 # KORVEL_CXX= (empty), CMake's default compiler. The sanitizer builds keep the
 # default compiler.
+# Testing frameworks (OpenBench) build with "make EXE=<path> [CXX=<compiler>]":
+# a compiler named on the command line is the one used, and EXE receives a
+# copy of the Release binary.
+ifeq ($(origin CXX),command line)
+KORVEL_CXX := $(CXX)
+endif
 KORVEL_CXX ?= $(shell command -v clang++ 2>/dev/null)
 COMPILER := $(if $(KORVEL_CXX),-DCMAKE_CXX_COMPILER=$(KORVEL_CXX))
 
@@ -37,6 +44,9 @@ else
 		-DKORVEL_PGO=$$(test -f $(PROFILE)/trained && echo use) > /dev/null
 endif
 	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed epd_score
+ifdef EXE
+	@cp $(RELEASE)/korvel $(EXE)
+endif
 
 run: build
 	@./$(RELEASE)/korvel $(ARGS)

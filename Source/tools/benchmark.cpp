@@ -39,10 +39,12 @@ const char* const BENCH_POSITIONS[20] = {
 };
 
 constexpr int BENCH_DEPTH = 17;
+// The depth of the node signature: a few seconds on one core.
+constexpr int SHORT_BENCH_DEPTH = 13;
 
 } // namespace
 
-void run_benchmark(int count, bool direct)
+BenchTotals run_benchmark(int count, bool direct)
 {
     if (limits.max_depth > 40)
         limits.max_depth = BENCH_DEPTH;
@@ -80,4 +82,13 @@ void run_benchmark(int count, bool direct)
     limits.search_state = SEARCH_IDLE;
     send_line(format_line(line, sizeof line, "total time= %0.2f seconds, nodes= %.0f, nps= %.0f", total_time, nodes,
                           nodes / total_time));
+    return {nodes, total_time};
+}
+
+void run_short_benchmark()
+{
+    limits.max_depth = limits.base_max_depth = SHORT_BENCH_DEPTH;
+    BenchTotals t = run_benchmark(20, false);
+    char line[96];
+    send_line(format_line(line, sizeof line, "%.0f nodes %.0f nps", t.nodes, t.nodes / t.seconds));
 }

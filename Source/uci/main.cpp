@@ -46,6 +46,7 @@ enum RunMode {
     RUN_MKTUNE = 13,
     RUN_TRAIN = 14, // the tuner as a batch job
     RUN_LABEL = 15, // games with results to labelled positions
+    RUN_SHORT_BENCH = 16, // "bench", as testing frameworks call it
 };
 
 int run_mode = RUN_ENGINE;
@@ -73,7 +74,11 @@ int read_switches(int argc, char** argv)
             i++;
             return true;
         };
-        if (!std::strcmp(a, "-uci")) {
+        if (!std::strcmp(a, "bench") && i == 1) {
+            // One thread and the default table, whatever else is asked:
+            // the node count must be the same on every machine.
+            run_mode = RUN_SHORT_BENCH;
+        } else if (!std::strcmp(a, "-uci")) {
             protocol_mode = 1;
         } else if (!std::strcmp(a, "-c")) {
             protocol_mode = 0;
@@ -192,6 +197,9 @@ void run_job()
     case RUN_PBENCH:
         run_benchmark(10, true);
         break;
+    case RUN_SHORT_BENCH:
+        run_short_benchmark();
+        break;
     case RUN_MKBOOK:
         make_book(tool_file);
         break;
@@ -235,6 +243,10 @@ int main(int argc, char** argv)
     int status = read_switches(argc, argv);
     if (status >= 0)
         return status;
+    if (run_mode == RUN_SHORT_BENCH) {
+        settings.threads = 1;
+        settings.hash_mb = 64;
+    }
 
     if (!start_threads(settings.threads))
         return 1;
