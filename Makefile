@@ -2,8 +2,12 @@
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE ?= cmake
 
-# Each compiler named on the command line builds in a directory of its own.
-RELEASE := build/release$(if $(filter command line,$(origin CXX)),-$(notdir $(CXX)))
+# Each compiler named on the command line builds in a directory of its own,
+# and so does a tuning build (TUNE=1: every tunable number is a UCI spin
+# option, for SPSA tuning; a normal build's uci answer stays short).
+TUNE ?= 0
+RELEASE := build/release$(if $(filter command line,$(origin CXX)),-$(notdir $(CXX)))$(if $(filter 1,$(TUNE)),-tune)
+TUNING := -DKORVEL_TUNING=$(if $(filter 1,$(TUNE)),ON,OFF)
 TEST := build/test
 SANITIZE := build/sanitize
 TSAN := build/tsan
@@ -37,10 +41,10 @@ PGO_INPUTS := $(shell find Source -name '*.cpp' -o -name '*.h' 2>/dev/null) CMak
 
 build:
 ifeq ($(PGO),0)
-	@$(CMAKE) -S . -B $(RELEASE) $(COMPILER) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO= > /dev/null
+	@$(CMAKE) -S . -B $(RELEASE) $(COMPILER) $(TUNING) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO= > /dev/null
 else
 	@$(MAKE) --no-print-directory $(PROFILE)/trained || echo "no optimisation profile: building without one"
-	@$(CMAKE) -S . -B $(RELEASE) $(COMPILER) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO_DIR=$(PROFILE) \
+	@$(CMAKE) -S . -B $(RELEASE) $(COMPILER) $(TUNING) -DCMAKE_BUILD_TYPE=Release -DKORVEL_TESTS=OFF -DKORVEL_PGO_DIR=$(PROFILE) \
 		-DKORVEL_PGO=$$(test -f $(PROFILE)/trained && echo use) > /dev/null
 endif
 	@$(CMAKE) --build $(RELEASE) -j $(JOBS) --target korvel eval_speed book_probe_speed tb_speed epd_score

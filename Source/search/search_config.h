@@ -22,8 +22,8 @@ enum SearchSetting {
 };
 
 // Each search setting's name, the console word that sets it (none for the
-// margins and reductions, which only a rebuilt engine changes), its default
-// and the range the console word accepts.
+// margins and reductions), its default and its range: what the console word
+// accepts, and what a tuning build offers as an option.
 struct SearchSettingSpec {
     const char* name;
     const char* console_word;
@@ -33,15 +33,15 @@ struct SearchSettingSpec {
 inline constexpr SearchSettingSpec SEARCH_SETTINGS[SEARCH_SETTING_COUNT] = {
     {"leading", nullptr, 0, 0, 0},
     {"SEP_depth", "SEP_depth", 3, 0, 100},
-    {"SEP_mult", nullptr, 75, 75, 75},
+    {"SEP_mult", nullptr, 75, 0, 300},
     {"NMP_depth", "NMP_depth", 3, 0, 100},
     {"FP_depth", "FP_depth", 3, 0, 100},
-    {"FP_mult", nullptr, 125, 125, 125},
+    {"FP_mult", nullptr, 125, 0, 400},
     {"PC_depth", "ProbCut_depth", 3, 0, 100},
-    {"PC_red", nullptr, 3, 3, 3},
-    {"PC_margin", nullptr, 100, 100, 100},
+    {"PC_red", nullptr, 3, 1, 8},
+    {"PC_margin", nullptr, 100, 0, 400},
     {"LMP_depth", "LMP_depth", 6, 0, 100},
-    {"LMP_mult", nullptr, 2, 2, 2},
+    {"LMP_mult", nullptr, 2, 0, 10},
     {"LMR_depth", "LMR_depth", 3, 0, 100},
 };
 

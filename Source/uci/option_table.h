@@ -37,7 +37,18 @@ struct OptionSpec {
     char (EngineSettings::*text)[PATH_SIZE]; // string
     int8_t pair;                             // pair: which personality weight
     const char* alias;                       // another name clients use, or null
+    int16_t* (*locate)(EngineSettings& s);   // spin: where the value lives when `number` is null
 };
+
+// Where a spin or check option's value lives in `s`.
+inline int16_t* option_value(const OptionSpec& o, EngineSettings& s)
+{
+    return o.number ? &(s.*(o.number)) : o.locate(s);
+}
+inline int16_t read_option(const OptionSpec& o, const EngineSettings& s)
+{
+    return *option_value(o, const_cast<EngineSettings&>(s));
+}
 
 extern const OptionSpec OPTIONS[];
 extern const int OPTION_COUNT;

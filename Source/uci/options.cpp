@@ -97,10 +97,10 @@ const char* shown_value(const OptionSpec& o, const EngineSettings& s, char* buff
 {
     switch (o.kind) {
     case OPTION_SPIN:
-        format_line(buffer, size, "%d", s.*(o.number));
+        format_line(buffer, size, "%d", read_option(o, s));
         break;
     case OPTION_CHECK:
-        format_line(buffer, size, "%s", s.*(o.number) ? "true" : "false");
+        format_line(buffer, size, "%s", read_option(o, s) ? "true" : "false");
         break;
     case OPTION_STRING:
         format_line(buffer, size, "%s", s.*(o.text));
@@ -129,7 +129,7 @@ void print_option_line(const OptionSpec& o, const EngineSettings& s)
     case OPTION_SPIN: {
         int max = spin_max(o);
         // An interface refuses an option whose default lies outside its range.
-        int shown = clamp_int(s.*(o.number), o.min, max);
+        int shown = clamp_int(read_option(o, s), o.min, max);
         send_line(format_line(line, sizeof line, "option name %s type spin default %d min %d max %d", o.name, shown,
                               o.min, max));
         break;
@@ -157,13 +157,13 @@ void store_value(const OptionSpec& o, const char* value)
     case OPTION_SPIN: {
         int v = clamp_int(std::strtoll(value, nullptr, 10), o.min, spin_max(o));
         send_line(format_line(line, sizeof line, "info string %s set to %d", o.name, v));
-        settings.*(o.number) = int16_t(v);
+        *option_value(o, settings) = int16_t(v);
         break;
     }
     case OPTION_CHECK: {
         int v = std::strstr(value, "true") ? 1 : 0;
         send_line(format_line(line, sizeof line, "info string %s set to %d", o.name, v));
-        settings.*(o.number) = int16_t(v);
+        *option_value(o, settings) = int16_t(v);
         break;
     }
     case OPTION_STRING:
@@ -283,7 +283,8 @@ void print_config_file()
     for (const OptionSpec* o = OPTIONS; o < OPTIONS + OPTION_COUNT; o++) {
         // UCI_Elo 0 stands for the engine's own estimate, which only stays
         // so when the file does not name it.
-        bool unset = o->kind == OPTION_SPIN && (settings.*(o->number) < o->min || settings.*(o->number) > o->max);
+        bool unset =
+            o->kind == OPTION_SPIN && (read_option(*o, settings) < o->min || read_option(*o, settings) > o->max);
         if (o->kind != OPTION_BUTTON && o->effect != EFFECT_CONFIG_FILE && !unset)
             send_line(
                 format_line(line, sizeof line, "%s = %s", o->name, shown_value(*o, settings, value, sizeof value)));

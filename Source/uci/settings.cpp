@@ -16,8 +16,8 @@ void set_default_settings()
     std::memset(&s, 0, sizeof s);
     s.changed = 1;
     for (const OptionSpec* o = OPTIONS; o < OPTIONS + OPTION_COUNT; o++) {
-        if (o->number)
-            s.*(o->number) = o->def;
+        if (o->kind == OPTION_SPIN || o->kind == OPTION_CHECK)
+            *option_value(*o, s) = o->def;
         if (o->kind == OPTION_PAIR)
             s.personality[o->pair][0] = s.personality[o->pair][1] = o->def;
     }
