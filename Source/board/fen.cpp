@@ -91,22 +91,60 @@ const char* skip_blanks(const char* p)
     return p;
 }
 
-// Removes the castling rights whose king and rook are not on their squares.
-bool repair_castling(Position* pos)
+// The castling field: "KQkq" (in Chess960 the outermost rook on that side
+// of the king) or the rooks' files ("HAha", as Shredder writes them). A
+// right whose king and rook are not where it needs them is dropped; outside
+// Chess960 only the standard squares (king on e1 or e8, rooks in the
+// corners) can castle. Returns whether a right had to be dropped.
+bool read_castling(Position* pos, const char* p)
 {
-    struct Right {
-        int bit, king, rook, side;
-    } rights[4] = {{1, 4, 7, WHITE}, {2, 4, 0, WHITE}, {4, 60, 63, BLACK}, {8, 60, 56, BLACK}};
-    bool removed = false;
-    for (const Right& r : rights) {
-        if (!(pos->castling & r.bit))
+    static constexpr uint8_t CORNERS[4] = {7, 0, 63, 56};
+    std::memcpy(pos->castle_rook, CORNERS, sizeof CORNERS);
+    pos->castle_king[WHITE] = uint8_t(KING_START[WHITE]);
+    pos->castle_king[BLACK] = uint8_t(KING_START[BLACK]);
+    pos->castling = 0;
+    bool dropped = false;
+    for (; *p && *p != ' '; p++) {
+        char c = *p;
+        bool upper = c >= 'A' && c <= 'Z';
+        char u = upper ? c : char(c - 'a' + 'A');
+        if (u != 'K' && u != 'Q' && (u < 'A' || u > 'H'))
             continue;
-        if (pos->board[r.king] != piece_code(KING, r.side) || pos->board[r.rook] != piece_code(ROOK, r.side)) {
-            pos->castling &= ~r.bit;
-            removed = true;
+        int side = upper ? WHITE : BLACK;
+        int back = side == WHITE ? 0 : 56;
+        int king = pos->king_square[side];
+        int rook_code = piece_code(ROOK, side);
+        int rook = -1;
+        bool king_side = u == 'K';
+        if (king < back || king > back + 7 || pos->board[king] != piece_code(KING, side)) {
+            dropped = true;
+            continue;
         }
+        if (u == 'K') {
+            for (int f = 7; f > file_of(king) && rook < 0; f--)
+                if (pos->board[back + f] == rook_code)
+                    rook = back + f;
+        } else if (u == 'Q') {
+            for (int f = 0; f < file_of(king) && rook < 0; f++)
+                if (pos->board[back + f] == rook_code)
+                    rook = back + f;
+        } else {
+            rook = back + (u - 'A');
+            king_side = file_of(rook) > file_of(king);
+            if (pos->board[rook] != rook_code || rook == king)
+                rook = -1;
+        }
+        bool standard = king == KING_START[side] && rook == back + (king_side ? 7 : 0);
+        if (rook < 0 || (!pos->chess960 && !standard)) {
+            dropped = true;
+            continue;
+        }
+        int right = 2 * side + (king_side ? 0 : 1);
+        pos->castling |= uint8_t(1 << right);
+        pos->castle_rook[right] = uint8_t(rook);
+        pos->castle_king[side] = uint8_t(king);
     }
-    return removed;
+    return dropped;
 }
 
 } // namespace
@@ -126,17 +164,9 @@ int read_fen(Position* pos, const char* text)
             p++;
     }
     p = skip_blanks(p);
-    pos->castling = 0;
-    for (; *p && *p != ' '; p++) {
-        if (*p == 'K')
-            pos->castling |= 1;
-        else if (*p == 'Q')
-            pos->castling |= 2;
-        else if (*p == 'k')
-            pos->castling |= 4;
-        else if (*p == 'q')
-            pos->castling |= 8;
-    }
+    bool repaired = read_castling(pos, p);
+    while (*p && *p != ' ')
+        p++;
     p = skip_blanks(p);
     int ep_file = -1, ep_rank = -1;
     for (; *p && *p != ' '; p++) {
@@ -148,7 +178,6 @@ int read_fen(Position* pos, const char* text)
     if (ep_file >= 0 && ep_rank >= 0)
         pos->ep_square = uint8_t(make_square(ep_file, ep_rank));
 
-    bool repaired = repair_castling(pos);
     compute_keys(pos, &pos->key, &pos->pawn_key);
     if (repaired) {
         char line[512];
@@ -194,9 +223,20 @@ void write_fen(const Position* pos, char* text)
     if (!pos->castling)
         *out++ = '-';
     const char* letters = "KQkq";
-    for (int i = 0; i < 4; i++)
-        if (pos->castling & (1 << i))
+    for (int i = 0; i < 4; i++) {
+        if (!(pos->castling & (1 << i)))
+            continue;
+        // Chess960: a rook that is not the outermost on its side is named by
+        // its file.
+        int rook = pos->castle_rook[i], side = i / 2, back = side == WHITE ? 0 : 56;
+        bool outermost = true;
+        for (int f = i % 2 == 0 ? file_of(rook) + 1 : 0; f < (i % 2 == 0 ? 8 : file_of(rook)); f++)
+            outermost &= pos->board[back + f] != piece_code(ROOK, side);
+        if (pos->chess960 && !outermost)
+            *out++ = char((side == WHITE ? 'A' : 'a') + file_of(rook));
+        else
             *out++ = letters[i];
+    }
     *out++ = ' ';
     if (pos->ep_square == NO_SQUARE) {
         *out++ = '-';

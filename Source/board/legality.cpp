@@ -33,6 +33,17 @@ int is_legal(const Position* pos, int side, Move move)
     int from = move_from(move), to = move_to(move);
     int piece = pos->board[from];
     int them = side ^ 1;
+    if (piece_type(piece) == KING && pos->chess960 && pos->board[to] == piece_code(ROOK, side)) {
+        // Chess960: no square of the king's way, its start and end included,
+        // may be attacked, with king and rook off the board.
+        int king_to = castle_king_target(side, to > from);
+        Bitboard occ = occupancy(pos) & ~bit(from) & ~bit(to);
+        Bitboard way = BETWEEN[from][king_to] | bit(from) | bit(king_to);
+        while (way)
+            if (attacked_after(pos, pop_lsb(way), them, 0, occ))
+                return 0;
+        return 1;
+    }
     if (piece_type(piece) == KING && (to == from + 2 || to == from - 2))
         return !is_square_attacked(pos, from, them) && !is_square_attacked(pos, to, them)
                && !is_square_attacked(pos, (from + to) / 2, them);

@@ -101,12 +101,27 @@ void make_move(Position* pos, Move move)
     int old_castling = pos->castling;
     pos->fifty++;
     pos->ep_square = NO_SQUARE;
-    pos->castling &= ~(CASTLE_MASK[from] | CASTLE_MASK[to]);
+    bool castle_960 = is_castle_960(pos, move);
+    u->castled_960 = castle_960;
+    pos->castling &= ~(castle_rights_lost(pos, from) | castle_rights_lost(pos, to));
     pos->side ^= 1;
     if (old_ep != NO_SQUARE)
         pos->key ^= ZOBRIST[old_ep];
     if (pos->castling != old_castling)
         pos->key ^= ZOBRIST[old_castling] ^ ZOBRIST[pos->castling];
+    if (castle_960) {
+        u->captured = 0; // the king "takes" its own rook
+        // King and rook lift off first: either may land where the other stood.
+        bool king_side = to > from;
+        remove_keyed(pos, from);
+        remove_keyed(pos, to);
+        place_keyed(pos, piece, castle_king_target(s, king_side));
+        place_keyed(pos, piece_code(ROOK, s), castle_rook_target(s, king_side));
+        pos->fifty = 0;
+        pos->key = (pos->key & ~1ULL) + pos->side;
+        DEBUG_CHECK_POSITION(pos);
+        return;
+    }
 
     if (pos->board[to]) {
         remove_keyed(pos, to);
@@ -157,6 +172,17 @@ void unmake_move(Position* pos)
     pos->side ^= 1;
     int s = pos->side;
 
+    if (u->castled_960) {
+        bool king_side = to > from;
+        lift(pos, castle_king_target(s, king_side));
+        lift(pos, castle_rook_target(s, king_side));
+        put_back(pos, piece_code(KING, s), from);
+        put_back(pos, piece_code(ROOK, s), to);
+        pos->key = u->key;
+        pos->pawn_key = u->pawn_key;
+        DEBUG_CHECK_POSITION(pos);
+        return;
+    }
     shift_back(pos, from, to);
     if (u->captured)
         put_back(pos, piece_code(u->captured, s ^ 1), to);

@@ -21,7 +21,7 @@ inline uint64_t key_after(const Position* pos, Move move)
         k ^= piece_key(captured, to);
     if (pos->ep_square != NO_SQUARE)
         k ^= ZOBRIST[pos->ep_square];
-    int castling = pos->castling & ~(CASTLE_MASK[from] | CASTLE_MASK[to]);
+    int castling = pos->castling & ~(castle_rights_lost(pos, from) | castle_rights_lost(pos, to));
     if (castling != pos->castling)
         k ^= ZOBRIST[pos->castling] ^ ZOBRIST[castling];
     return (k & ~1ULL) + (pos->side ^ 1);

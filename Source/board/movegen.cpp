@@ -94,8 +94,36 @@ inline MoveEntry* add_pawn_pushes(MoveEntry* list, const Position* pos, int side
 
 // King side, then queen side, onto squares of `mask`; the attack tests are
 // the legality test's.
+// Chess960: every square king and rook pass or land on, but their own,
+// must be empty. The move is written king takes rook.
+bool castling_path_clear_960(const Position* pos, int side, int right, Bitboard occ)
+{
+    int king = pos->castle_king[side], rook = pos->castle_rook[right];
+    bool king_side = rook > king;
+    int king_to = castle_king_target(side, king_side), rook_to = castle_rook_target(side, king_side);
+    Bitboard path = BETWEEN[king][king_to] | bit(king_to) | BETWEEN[rook][rook_to] | bit(rook_to);
+    return !(path & occ & ~bit(king) & ~bit(rook));
+}
+
+MoveEntry* add_castling_960(MoveEntry* list, const Position* pos, int side, Bitboard occ, Bitboard mask)
+{
+    int from = pos->king_square[side];
+    if (from != pos->castle_king[side])
+        return list;
+    for (int right = 2 * side; right < 2 * side + 2; right++) {
+        if (!(pos->castling & (1 << right)) || !castling_path_clear_960(pos, side, right, occ))
+            continue;
+        int rook = pos->castle_rook[right];
+        if (pos->board[rook] == piece_code(ROOK, side) && (mask & bit(castle_king_target(side, rook > from))))
+            list = put(list, from << 8 | rook, pos->board[from], 0);
+    }
+    return list;
+}
+
 inline MoveEntry* add_castling(MoveEntry* list, const Position* pos, int side, Bitboard occ, Bitboard mask)
 {
+    if (pos->chess960)
+        return add_castling_960(list, pos, side, occ, mask);
     int from = pos->king_square[side];
     if (from == KING_START[side]) {
         int king = pos->board[from];
@@ -261,6 +289,14 @@ namespace
 // engine could castle through a knight or without the right.
 bool castling_could_be_generated(const Position* pos, int side, int from, int to)
 {
+    if (pos->chess960) {
+        if (from != pos->castle_king[side] || pos->board[to] != piece_code(ROOK, side))
+            return false;
+        for (int right = 2 * side; right < 2 * side + 2; right++)
+            if ((pos->castling & (1 << right)) && pos->castle_rook[right] == to)
+                return castling_path_clear_960(pos, side, right, occupancy(pos));
+        return false;
+    }
     if (from != KING_START[side])
         return false;
     int rook = piece_code(ROOK, side);
@@ -287,6 +323,8 @@ bool is_pseudo_legal(const Position* pos, Move move)
     if (type == EMPTY || type > KING || piece_side(piece) != side)
         return false;
     int target = pos->board[to];
+    if (pos->chess960 && type == KING && target == piece_code(ROOK, side))
+        return castling_could_be_generated(pos, side, from, to);
     if (target && (piece_side(target) == side || piece_type(target) == KING))
         return false;
     Bitboard last_rank = side == WHITE ? RANK_8 : RANK_1;

@@ -82,7 +82,7 @@ bool could_read_as(const Position* pos, Move move, const char* input, Bitboard n
     int type = piece_type(pos->board[from]);
     char first = input[0];
     if (first == 'o')
-        return type == KING && (to == from + 2 || to == from - 2);
+        return type == KING && (to == from + 2 || to == from - 2 || is_castle_960(pos, move));
     if (first == '=')
         return type == PAWN;
     bool names_to = named & bit(to);
@@ -139,8 +139,8 @@ void move_texts(const Position* pos, Move move, char* coord, char* san, char* sa
 
     c.put(SQUARE_NAMES[from]);
     c.put(to_name);
-    if (type == KING && (to == from + 2 || to == from - 2)) {
-        bool king_side = to == from + 2;
+    if (type == KING && (to == from + 2 || to == from - 2 || is_castle_960(pos, move))) {
+        bool king_side = to > from;
         s.put(king_side ? "o-o" : "o-o-o");
         f.put(king_side ? "O-O" : "O-O-O");
         r.put(king_side ? "0-0" : "0-0-0");

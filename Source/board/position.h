@@ -26,6 +26,12 @@ struct Position {
     uint8_t castling;
     uint8_t ep_square; // 64 when none
     uint8_t king_square[2];
+    // Chess960: castling is written king takes rook, and the rights name
+    // their rook's square (castle_rook, by right bit) and king's start square
+    // (castle_king, by side). In standard chess these are h1 a1 h8 a8, e1 e8.
+    uint8_t chess960;
+    uint8_t castle_rook[4];
+    uint8_t castle_king[2];
 };
 
 // What one move changed; record i describes the move from ply i to ply i+1.
@@ -37,7 +43,8 @@ struct UndoRecord {
     uint8_t ep_square;
     uint8_t fifty;
     uint8_t castling;
-    uint8_t unused[2];
+    uint8_t castled_960; // the move was a Chess960 castling (king took its rook)
+    uint8_t unused;
 };
 static_assert(sizeof(UndoRecord) == 24, "undo record layout");
 
@@ -63,6 +70,40 @@ inline constexpr auto CASTLE_MASK = [] {
         t[sq] = castle_mask_of(sq);
     return t;
 }();
+
+// The rights a move from or onto `sq` takes away.
+inline uint8_t castle_rights_lost(const Position* pos, int sq)
+{
+    if (!pos->chess960)
+        return CASTLE_MASK[sq];
+    uint8_t m = 0;
+    for (int r = 0; r < 4; r++)
+        if (pos->castle_rook[r] == sq)
+            m |= uint8_t(1 << r);
+    if (sq == pos->castle_king[WHITE])
+        m |= CASTLE_WHITE_KING | CASTLE_WHITE_QUEEN;
+    if (sq == pos->castle_king[BLACK])
+        m |= CASTLE_BLACK_KING | CASTLE_BLACK_QUEEN;
+    return m;
+}
+
+// Whether `move` is a Chess960 castling: the king takes its own rook.
+inline bool is_castle_960(const Position* pos, Move move)
+{
+    int from = move_from(move), to = move_to(move);
+    return pos->chess960 && piece_type(pos->board[from]) == KING && pos->board[to] == piece_code(ROOK, pos->side);
+}
+
+// Where king and rook end up when castling on the given side: g and f, or
+// c and d, on the side's first rank, wherever they started.
+inline int castle_king_target(int side, bool king_side)
+{
+    return (king_side ? 6 : 2) + (side == WHITE ? 0 : 56);
+}
+inline int castle_rook_target(int side, bool king_side)
+{
+    return (king_side ? 5 : 3) + (side == WHITE ? 0 : 56);
+}
 
 // A position with a history of its own: what the front end keeps for the
 // game, and what tools and tests set positions up in. Search threads hold

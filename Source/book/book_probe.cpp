@@ -132,6 +132,21 @@ int read_book_moves(const char* file, uint64_t key, BookEntry* entries)
     return count;
 }
 
+namespace
+{
+
+// Books write castling king takes rook, as Chess960 does: only standard
+// chess turns it into the king's two-square move.
+Move book_move_in(const Position* pos, uint16_t book_move)
+{
+    Move move = book_move_to_move(book_move);
+    if (pos->chess960 && piece_type(pos->board[move_from(move)]) == KING)
+        return Move(make_move_code(book_move >> 6 & 63, book_move & 63));
+    return move;
+}
+
+} // namespace
+
 Move book_probe(const Position* pos, const char* file, const BookOptions& options)
 {
     BookEntry entries[MAX_BOOK_MOVES];
@@ -147,7 +162,7 @@ Move book_probe(const Position* pos, const char* file, const BookOptions& option
     for (int i = 0; i < count && !options.quiet; i++) {
         if (entries[i].weight == 0)
             continue;
-        Move move = book_move_to_move(entries[i].move);
+        Move move = book_move_in(pos, entries[i].move);
         if (console) {
             char text[MOVE_TEXT_SIZE], line[128];
             move_to_coord(move, text, MOVE_STYLE_CONSOLE);
@@ -163,7 +178,7 @@ Move book_probe(const Position* pos, const char* file, const BookOptions& option
         }
     }
 
-    Move chosen = book_move_to_move(entries[roulette.selected].move);
+    Move chosen = book_move_in(pos, entries[roulette.selected].move);
     Move result = is_legal_move(pos, chosen) ? chosen : 0;
     if (!options.quiet) {
         char line[64];

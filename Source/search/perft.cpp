@@ -3,9 +3,11 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
+#include "board/notation.h"
 #include "output/output.h"
 #include "search/clock.h"
 #include "search/movepick.h"
+#include "search/search_report.h"
 #include "search/search_thread.h"
 
 void perft(SearchThread* t, int side, int ply, int depth)
@@ -59,4 +61,32 @@ uint64_t perft_command(SearchThread* t, int depth)
     send_line(format_line(line, sizeof line, "visited %0.0f nodes in %0.3f seconds, nps= %0.0f", double(t->nodes),
                           seconds, double(t->nodes) / (seconds + 0.001)));
     return t->nodes;
+}
+
+uint64_t perft_divide(SearchThread* t, int depth)
+{
+    Position* pos = &t->pos;
+    MoveEntry list[MAX_MOVES];
+    int n = gen_legal(pos, list);
+    // The root's list is this one: the counts below start the thread's
+    // move buffer from its beginning.
+    t->plies[1].list_end = t->move_buffer;
+    uint64_t total = 0;
+    char line[64], text[MOVE_TEXT_SIZE];
+    for (int i = 0; i < n; i++) {
+        uint64_t count = 1;
+        if (depth > 1) {
+            make_move(pos, list[i].move);
+            t->nodes = 0;
+            perft(t, pos->side, 2, depth - 1);
+            count = t->nodes;
+            unmake_move(pos);
+        }
+        total += count;
+        move_to_coord(list[i].move, text, reported_move_style());
+        send_line(format_line(line, sizeof line, "%s: %llu", text, (unsigned long long)count));
+    }
+    send_line("");
+    send_line(format_line(line, sizeof line, "Nodes searched: %llu", (unsigned long long)total));
+    return total;
 }

@@ -126,6 +126,7 @@ int save_game(const char* file)
     // Replay from the set-up position on a scratch record to write SAN.
     static Game scratch_game;
     Position* scratch = game_init(&scratch_game);
+    scratch->chess960 = game_position()->chess960;
     set_position(scratch, record.start_fen);
     int column = 0, number = 1;
     for (int i = 0; i < record.count; i++) {

@@ -88,6 +88,8 @@ const OptionSpec OPTIONS[] = {
     // value shown and accepted (the 3300 here is not used).
     spin("UCI_Elo", &EngineSettings::elo, 0, 1500, 3300),
     check("UCI_ShowWDL", &EngineSettings::show_wdl, false),
+    // Read by the next position command: interfaces set it before one.
+    check("UCI_Chess960", &EngineSettings::chess960, false),
     spin("Contempt", &EngineSettings::contempt, 0, -150, 150),
     spin("Selectivity", &EngineSettings::selectivity, 100, 0, 200),
     pair("Mtl_Pawn", WEIGHT_MTL_PAWN),

@@ -31,6 +31,7 @@ struct EngineSettings {
     int16_t tb_probe_depth5;
     int16_t tb_probe_depth6;
     int16_t show_wdl; // info lines carry win/draw/loss chances
+    int16_t chess960; // castling of Chess960, written king takes rook
     int16_t contempt;
     int16_t selectivity;
     int16_t search[SEARCH_SETTING_COUNT];

@@ -5,6 +5,7 @@
 #include "output/engine_name.h"
 #include "output/output.h"
 #include "search/limits.h"
+#include "search/perft.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "search/timeman.h"
@@ -145,9 +146,12 @@ void position_command(char* args)
     if (moves)
         *moves = 0;
     if (std::strstr(args, "startpos")) {
+        game_position()->chess960 = uint8_t(settings.chess960 != 0);
         if (!set_game_position(START_FEN))
             return;
     } else if (const char* fen = std::strstr(args, "fen")) {
+        // How castling is read and written follows UCI_Chess960.
+        game_position()->chess960 = uint8_t(settings.chess960 != 0);
         fen = std::strlen(fen) >= 4 ? fen + 4 : "";
         if (!set_game_position(fen))
             return;
@@ -241,9 +245,32 @@ void read_root_moves(const char* args)
     }
 }
 
+// "go perft N": the counts per root move, with no search and no bestmove.
+bool go_perft(const char* args)
+{
+    const char* v = value_after(args, "perft");
+    if (!v)
+        return false;
+    long long depth = read_count(v);
+    if (depth < 1 || depth > 20) {
+        char line[96];
+        send_line(format_line(line, sizeof line, "info string perft %lld: the depth must be 1 to 20", depth));
+        return true;
+    }
+    SearchThread* t = new_search_thread();
+    if (!t)
+        return true;
+    copy_position(&t->pos, t->undo, game_position());
+    perft_divide(t, int(depth));
+    free_search_thread(t);
+    return true;
+}
+
 void go_command(const char* args)
 {
     stop_and_wait(STOP_SILENT);
+    if (go_perft(args))
+        return;
     limits.fixed_limit = 0;
     limits.max_depth = limits.base_max_depth;
     limits.node_limit = limits.base_node_limit;

@@ -65,6 +65,7 @@ TEST(Options, TheUciAnswerInOrder)
         "option name UCI_LimitStrength type check default false",
         "", // UCI_Elo: the machine's own estimate, checked below
         "option name UCI_ShowWDL type check default false",
+        "option name UCI_Chess960 type check default false",
         "option name Contempt type spin default 0 min -150 max 150",
         "option name Selectivity type spin default 100 min 0 max 200",
     };

@@ -1,7 +1,10 @@
 #include "search/perft.h"
+#include "support/engine_process.h"
 #include "support/test_positions.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 
 // Every data position to the deepest depth whose count stays within 5 million;
 // deeper counts run in the benchmarks.
@@ -31,5 +34,38 @@ TEST(Perft, CommandClampsDepth)
     EXPECT_EQ(perft_command(t, 0), 0u);
     EXPECT_EQ(perft_command(t, -3), 0u);
     EXPECT_EQ(perft_command(t, 1), 5u);
+    free_test_thread(t);
+}
+
+// Chess960 positions with their castling rights standing, in Shredder-FEN:
+// castling with the king and rooks on any files, written king takes rook.
+// Read as standard chess the same positions castle not at all.
+TEST(Perft, Chess960CountsOfTheData)
+{
+    SearchThread* t = new_test_thread();
+    std::ifstream in(data_path("perft960.epd"));
+    std::string line;
+    int checked = 0;
+    while (std::getline(in, line)) {
+        size_t semi = line.find(';');
+        if (semi == std::string::npos)
+            continue;
+        std::istringstream ops(line.substr(semi));
+        std::string tag;
+        std::vector<uint64_t> counts;
+        for (uint64_t n; ops >> tag >> n;)
+            counts.push_back(n);
+        t->pos.chess960 = 1;
+        set_test_position(t, line.substr(0, semi));
+        ASSERT_NE(t->pos.castling, 0) << line;
+        for (int depth = 1; depth <= int(counts.size()); depth++) {
+            t->nodes = 0;
+            perft(t, t->pos.side, 1, depth);
+            EXPECT_EQ(t->nodes, counts[depth - 1]) << line << " depth " << depth;
+        }
+        checked++;
+    }
+    EXPECT_EQ(checked, 20);
+    t->pos.chess960 = 0;
     free_test_thread(t);
 }
