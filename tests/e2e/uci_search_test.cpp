@@ -218,3 +218,36 @@ TEST(UciSearch, ClientsGetWhatTheyParse)
     }
     EXPECT_EQ(u.e.quit(), 0);
 }
+
+// Chess960 as interfaces and match runners play it: the option, Shredder
+// castling fields, castling written king takes rook both ways, go perft;
+// impossible castling files and bad perft depths change nothing else.
+TEST(UciSearch, Chess960Games)
+{
+    Uci u;
+    u.e.send_line("setoption name UCI_Chess960 value true");
+    std::vector<std::string> seen;
+    auto perft = [&](const std::string& position, const std::string& depth) {
+        u.e.send_line("position " + position);
+        u.e.send_line("go perft " + depth);
+        seen.clear();
+        return u.e.wait_for("Nodes searched", 20000, &seen);
+    };
+    // After castling king side the rook stands on f1 and takes f7 and f8
+    // from the black king.
+    EXPECT_EQ(perft("fen 4k3/8/8/8/8/8/8/R3K2R w HA - moves e1h1", "1"), "Nodes searched: 3");
+    // Castling the other way from a king on b1: king c1, rook d1, and a1
+    // free for the black rook.
+    EXPECT_EQ(perft("fen r3k3/8/8/8/8/8/8/RK5R w HAa - moves b1a1", "1"), "Nodes searched: 13");
+    EXPECT_NE(std::find(seen.begin(), seen.end(), "a8a1: 1"), seen.end());
+    // Start position 0 of the numbering, with castling moves at depth 2 of
+    // neither side: the count as any move generator gives it.
+    EXPECT_EQ(perft("fen bbqnnrkr/pppppppp/8/8/8/8/PPPPPPPP/BBQNNRKR w HFhf - 0 1", "2"), "Nodes searched: 400");
+    EXPECT_NE(u.go("fen bbqnnrkr/pppppppp/8/8/8/8/PPPPPPPP/BBQNNRKR w HFhf - 0 1", "depth 5"), "");
+
+    u.e.send_line("position fen 4k3/8/8/8/8/8/8/R3K2R w ZQxy -");
+    u.e.send_line("go perft 0");
+    EXPECT_EQ(u.e.ask("isready", "info string perft"), "info string perft 0: the depth must be 1 to 20");
+    EXPECT_EQ(perft("fen 4k3/8/8/8/8/8/8/R3K2R w Q -", "1").rfind("Nodes searched: ", 0), 0u);
+    EXPECT_EQ(u.e.quit(), 0);
+}
