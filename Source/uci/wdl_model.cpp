@@ -9,10 +9,11 @@ namespace
 
 // A logistic curve for each decisive result, mirrored for the other side:
 // P(win) = 1 / (1 + exp((WDL_CENTRE - score) / WDL_SPREAD)). Fitted by
-// maximum likelihood to the scores and results of the engine's own games
-// (bench/fit_wdl says how).
-constexpr double WDL_CENTRE = 200.0;
-constexpr double WDL_SPREAD = 60.0;
+// maximum likelihood (bench/fit_wdl) to 14,866 scored moves of 120 games
+// the engine played against itself at 1 s + 0.02 s from three-move
+// openings: 4,497 moves of won games, 5,880 drawn, 4,489 lost.
+constexpr double WDL_CENTRE = 139.0;
+constexpr double WDL_SPREAD = 105.0;
 
 int permille(double p)
 {
