@@ -12,7 +12,11 @@
 EvalParam param_table[PARAM_ROWS];
 Score param_score[PARAM_ROWS];
 int param_count = 0;
+namespace
+{
+// The row the next line of params.txt (or the next default) is written to.
 int param_cursor = 0;
+} // namespace
 uint32_t param_generation = 0;
 
 const ParamSpec PARAM_SPECS[PARAM_COUNT] = {

@@ -72,7 +72,6 @@ extern const ParamSpec PARAM_SPECS[PARAM_COUNT];
 
 extern EvalParam param_table[PARAM_ROWS];
 extern int param_count;
-extern int param_cursor;
 
 // Packed scores in a compact copy for the evaluation's hot loop; refreshed
 // with the derived tables whenever rows change.

@@ -24,10 +24,11 @@
 #include <algorithm>
 #include <cstring>
 
-MoveEntry NULL_MOVE_ENTRY = {0, 0, 0, 0};
-
 namespace
 {
+
+// The entry a null move is recorded with in the search stack.
+MoveEntry NULL_MOVE_ENTRY = {0, 0, 0, 0};
 
 // Cut-node block and static pruning.
 constexpr int EVAL_DROP_LIMIT = 75;        // the static eval may have fallen this much since ply - 2

@@ -30,5 +30,3 @@ int quiesce(SearchThread* t, int side, int ply, int depth, int alpha, int beta, 
 struct CheckInfo;
 int move_class(const SearchThread* t, Move move, int piece, int captured, const CheckInfo& ci);
 
-// The entry a null move is recorded with in the search stack.
-extern struct MoveEntry NULL_MOVE_ENTRY;
