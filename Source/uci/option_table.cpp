@@ -81,8 +81,10 @@ const OptionSpec OPTIONS[] = {
     check("Log", &EngineSettings::log_enabled, false, EFFECT_LOG),
     check("Ponder", &EngineSettings::ponder, true),
     spin("MultiPV", &EngineSettings::multi_pv, 1, 1, 255),
-    // The name most interfaces and bots send is the one with the blank.
-    spin("MoveOverhead", &EngineSettings::move_overhead, 50, 0, 5000, EFFECT_NONE, "Move Overhead"),
+    // Shown with the blank, the name bots and clients send and check the uci
+    // answer for (python-chess refuses an option it was not shown); the
+    // older spelling is still taken, from configuration files too.
+    spin("Move Overhead", &EngineSettings::move_overhead, 50, 0, 5000, EFFECT_NONE, "MoveOverhead"),
     check("UCI_LimitStrength", &EngineSettings::limit_strength, false),
     // 0 stands for the full-strength estimate, which is also the largest
     // value shown and accepted (the 3300 here is not used).

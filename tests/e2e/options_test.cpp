@@ -61,7 +61,7 @@ TEST(Options, TheUciAnswerInOrder)
         "option name Log type check default false",
         "option name Ponder type check default true",
         "option name MultiPV type spin default 1 min 1 max 255",
-        "option name MoveOverhead type spin default 50 min 0 max 5000",
+        "option name Move Overhead type spin default 50 min 0 max 5000",
         "option name UCI_LimitStrength type check default false",
         "", // UCI_Elo: the machine's own estimate, checked below
         "option name UCI_ShowWDL type check default false",
@@ -117,8 +117,8 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_EQ(reply(e, "setoption name Clear_Hash"), "");
     // Names in any letter case, and the spelling with a blank that bots send.
     EXPECT_EQ(reply(e, "setoption name hash value 3"), "info string Hash set to 3");
-    EXPECT_EQ(reply(e, "setoption name Move Overhead value 100"), "info string MoveOverhead set to 100");
-    EXPECT_EQ(reply(e, "setoption name move overhead value 7000"), "info string MoveOverhead set to 5000");
+    EXPECT_EQ(reply(e, "setoption name MoveOverhead value 100"), "info string Move Overhead set to 100");
+    EXPECT_EQ(reply(e, "setoption name move overhead value 7000"), "info string Move Overhead set to 5000");
     EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
     // The engine still plays after all that, with win/draw/loss chances
     // in permille on its info lines once asked for.
