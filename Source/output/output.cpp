@@ -17,28 +17,32 @@ bool log_enabled = false;
 
 std::atomic<int16_t> protocol_mode{1};
 
-void send_line(const char* text)
+namespace
+{
+
+// One line to `out` and its copy to the log, under the lock every writer takes.
+void write_line(FILE* out, const char* text)
 {
     std::lock_guard<std::mutex> guard(output_lock);
-    std::fputs(text, stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
+    std::fputs(text, out);
+    std::fputc('\n', out);
+    std::fflush(out);
     if (log_enabled && log_file) {
         std::fprintf(log_file, "%s\n", text);
         std::fflush(log_file);
     }
 }
 
+} // namespace
+
+void send_line(const char* text)
+{
+    write_line(stdout, text);
+}
+
 void send_error_line(const char* text)
 {
-    std::lock_guard<std::mutex> guard(output_lock);
-    std::fputs(text, stderr);
-    std::fputc('\n', stderr);
-    std::fflush(stderr);
-    if (log_enabled && log_file) {
-        std::fprintf(log_file, "%s\n", text);
-        std::fflush(log_file);
-    }
+    write_line(stderr, text);
 }
 
 void log_line(const char* text)

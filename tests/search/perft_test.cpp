@@ -1,10 +1,7 @@
 #include "search/perft.h"
-#include "support/engine_process.h"
 #include "support/test_positions.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 // Every data position to the deepest depth whose count stays within 5 million;
 // deeper counts run in the benchmarks.
@@ -43,25 +40,15 @@ TEST(Perft, CommandClampsDepth)
 TEST(Perft, Chess960CountsOfTheData)
 {
     SearchThread* t = new_test_thread();
-    std::ifstream in(data_path("perft960.epd"));
-    std::string line;
     int checked = 0;
-    while (std::getline(in, line)) {
-        size_t semi = line.find(';');
-        if (semi == std::string::npos)
-            continue;
-        std::istringstream ops(line.substr(semi));
-        std::string tag;
-        std::vector<uint64_t> counts;
-        for (uint64_t n; ops >> tag >> n;)
-            counts.push_back(n);
+    for (const PerftCase& c : load_perft_cases("perft960.epd")) {
         t->pos.chess960 = 1;
-        set_test_position(t, line.substr(0, semi));
-        ASSERT_NE(t->pos.castling, 0) << line;
-        for (int depth = 1; depth <= int(counts.size()); depth++) {
+        set_test_position(t, c.fen);
+        ASSERT_NE(t->pos.castling, 0) << c.fen;
+        for (int depth = 1; depth <= int(c.counts.size()); depth++) {
             t->nodes = 0;
             perft(t, t->pos.side, 1, depth);
-            EXPECT_EQ(t->nodes, counts[depth - 1]) << line << " depth " << depth;
+            EXPECT_EQ(t->nodes, c.counts[depth - 1]) << c.fen << " depth " << depth;
         }
         checked++;
     }

@@ -70,10 +70,10 @@ void set_test_position(Position* pos, const std::string& fen)
     ASSERT_EQ(problem, nullptr) << fen << ": " << problem;
 }
 
-std::vector<PerftCase> load_perft_cases()
+std::vector<PerftCase> load_perft_cases(const std::string& file)
 {
     std::vector<PerftCase> cases;
-    std::ifstream in(data_path("perft.epd"));
+    std::ifstream in(data_path(file));
     std::string line;
     while (std::getline(in, line)) {
         size_t semi = line.find(';');
