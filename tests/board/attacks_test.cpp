@@ -46,19 +46,3 @@ TEST(Legality, EnPassantAndCastlingEdgeCases)
     EXPECT_FALSE(is_legal(&g->pos, WHITE, ooo));
     free_test_game(g);
 }
-
-// The pin-based shortcut must agree with the full test on every move.
-TEST(Legality, FastTestAgreesWithFullTest)
-{
-    Game* g = new_test_game();
-    for (const PerftCase& c : load_perft_cases()) {
-        set_test_position(g, c.fen);
-        MoveEntry list[MAX_MOVES];
-        gen_all(&g->pos, list);
-        PinInfo info = pin_info(&g->pos, g->pos.side);
-        for (MoveEntry* e = list; e->move != MOVE_END; e++)
-            ASSERT_EQ(is_legal(&g->pos, g->pos.side, e->move), is_legal_fast(&g->pos, g->pos.side, e->move, info))
-                << c.fen << " move " << e->move;
-    }
-    free_test_game(g);
-}

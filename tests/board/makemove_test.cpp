@@ -30,13 +30,17 @@ void expect_same(const Snapshot& a, const Snapshot& b, const std::string& where)
 
 // Makes every pseudo-legal move to `depth`, checking the incremental state
 // against a recomputation after each make and the exact restoration after
-// each unmake.
+// each unmake; at every node the pin-based legality shortcut must agree
+// with the full test (pins only show up a few plies into the data).
 void walk(Game* g, int depth, const std::string& fen)
 {
     MoveEntry list[MAX_MOVES];
     gen_all(&g->pos, list);
+    PinInfo pins = pin_info(&g->pos, g->pos.side);
     for (MoveEntry* e = list; e->move != MOVE_END; e++) {
-        if (!is_legal(&g->pos, g->pos.side, e->move))
+        bool legal = is_legal(&g->pos, g->pos.side, e->move);
+        ASSERT_EQ(legal, is_legal_fast(&g->pos, g->pos.side, e->move, pins)) << fen << " move " << e->move;
+        if (!legal)
             continue;
         Snapshot before = snap(g);
         make_move(&g->pos, e->move);

@@ -2,7 +2,6 @@
 #include "board/movegen.h"
 #include "board/notation.h"
 #include "output/output.h"
-#include "support/long_way_move_reader.h"
 #include "support/test_positions.h"
 
 #include <algorithm>
@@ -105,57 +104,4 @@ TEST(Notation, CoordinateTextByDialect)
     EXPECT_STREQ(text, "e7e8=N");
     move_to_coord(0, text, MOVE_STYLE_CONSOLE);
     EXPECT_STREQ(text, "null");
-}
-
-// The parser skips the texts of moves that cannot match; it must still
-// agree with writing out every text, on every form of every move and on
-// odd inputs (bare promotion letters, short pawn captures, castling in all
-// spellings, mate marks, annotations). Ambiguous inputs print a line, so
-// those are left to the test above.
-TEST(Notation, ParserAgreesWithComparingEveryText)
-{
-    Game* g = new_test_game();
-    std::vector<std::string> fens = load_test_fens(300);
-    int compared = 0, parsed = 0;
-    for (const std::string& fen : fens) {
-        set_test_position(g, fen);
-        std::vector<std::string> inputs = {"Q",     "q",   "n", "=R", "=Q", "B",   "O-O", "0-0",  "o-o", "O-O-O",
-                                           "0-0-0", "Kg1", "",  "+",  "ed", "exd", "e4!", "Nf3#", "b"};
-        for (char a = 'a'; a <= 'h'; a++)
-            for (char b = 'a'; b <= 'h'; b++)
-                inputs.push_back(std::string{a, b});
-        MoveEntry list[MAX_MOVES];
-        int n = gen_legal(&g->pos, list);
-        for (int i = 0; i < n; i++) {
-            char forms[4][MOVE_TEXT_SIZE];
-            move_texts(&g->pos, list[i].move, forms[0], forms[1], forms[2], forms[3]);
-            for (const char* form : forms) {
-                inputs.push_back(form);
-                inputs.push_back(std::string(form) + "#");
-                std::string lower(form);
-                for (char& c : lower)
-                    c = char(std::tolower(c));
-                inputs.push_back(lower);
-                if (std::strlen(form) > 2)
-                    inputs.push_back(std::string(form).substr(1));
-            }
-        }
-        for (const std::string& input : inputs) {
-            Move expected = 0;
-            int matches = matches_the_long_way(&g->pos, input.c_str(), &expected);
-            if (matches == 2)
-                continue;
-            Move m = 0;
-            int ok = parse_move(&g->pos, input.c_str(), &m);
-            ASSERT_EQ(ok, matches == 1) << fen << " '" << input << "'";
-            if (ok) {
-                ASSERT_EQ(m, expected) << fen << " '" << input << "'";
-                parsed++;
-            }
-            compared++;
-        }
-    }
-    EXPECT_GT(compared, 100000);
-    EXPECT_GT(parsed, 20000);
-    free_test_game(g);
 }

@@ -59,9 +59,9 @@ TEST_F(Evaluation, SpecialEndings)
     // Rook against bare king: weak king in the corner, kings two apart.
     EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R w - -"), 788);
     EXPECT_EQ(eval("k7/8/2K5/8/8/8/8/7R b - -"), -788);
-    // Knight and dark-squared bishop: the weak king in the dark corner a1.
-    int strong_king = make_square(2, 2); // c3
-    EXPECT_EQ(eval("8/8/8/8/8/2K5/8/k1BN4 w - -"), 740 + 8 * 7 + 10 * center_10(strong_king) - 6 * 2);
+    // Knight and dark-squared bishop: the weak king is driven to a dark
+    // corner, so a1 is worth more to White than the light corner a8.
+    EXPECT_GT(eval("8/8/8/8/8/2K5/8/k1BN4 w - -"), eval("k7/8/8/8/8/2K5/8/2BN4 w - -") + 20);
     // King and pawn: a won and a drawn case keep their sign and size apart.
     int draw = eval("4k3/8/4P3/4K3/8/8/8/8 w - -"); // White to move only stalemates
     int win = eval("8/8/8/8/8/4K3/4P3/2k5 w - -");  // king in front of its pawn
@@ -72,15 +72,36 @@ TEST_F(Evaluation, SpecialEndings)
     EXPECT_EQ(eval("4k3/8/4K3/4P3/8/8/8/8 b - -"), -(800 + 25 * 4 - 3 * 1 + 3 * 3));
     EXPECT_GT(win, 700);
     EXPECT_EQ(eval("8/8/8/8/8/4K3/4P3/2k5 b - -") < -700, true);
+    // They leave the search no threat of an earlier node.
+    int16_t threats[2] = {250, 800};
+    set_test_position(g, "k7/8/2K5/8/8/8/8/7R b - -");
+    EXPECT_EQ(evaluate(&g->pos, c.get(), g->pos.side, 3, 0, threats), -788);
+    EXPECT_EQ(threats[0] | threats[1], 0);
 }
 
-TEST_F(Evaluation, PhaseAtTheFullMaterialEdge)
+// Contempt is counted for the side the engine plays, whichever that is: a
+// positive value makes the engine's side look better, a negative one worse,
+// scaled by the material of the side that would rather play on.
+TEST_F(Evaluation, ContemptFromBothSides)
 {
-    eval("r2qk2r/8/8/8/8/8/PPPPPPPP/R2QK2R w - -");          // not relevant: warm up
-    eval("rq2k1qr/pppppp2/8/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 30 = 62 units
-    EXPECT_NEAR(c->last_phase, 0.008, 1e-12);
-    eval("r2qk1rr/ppppppp1/2bb4/8/8/8/PPPPPPPP/RNBQKBNR w - -"); // 32 + 31
-    EXPECT_EQ(c->last_phase, 0.0);
+    const char* fen = "3qk3/pppppppp/8/8/8/8/PPP5/4K3 w - -"; // Black has more to play with
+    auto with = [&](int contempt, int engine) {
+        eval_options.contempt = contempt;
+        eval_options.engine_side = engine;
+        int v = eval(fen, 0);
+        eval_options.contempt = 0;
+        return v;
+    };
+    int neutral = with(0, WHITE);
+    EXPECT_GT(with(40, WHITE), neutral);
+    EXPECT_LT(with(40, BLACK), neutral);
+    EXPECT_LT(with(-40, WHITE), neutral);
+    EXPECT_GT(with(-40, BLACK), neutral);
+    // The material counted is Black's when Black plays on: the engine as
+    // White avoiding draws gains less than the engine as Black.
+    EXPECT_LT(with(40, WHITE) - neutral, neutral - with(40, BLACK));
+    EXPECT_EQ(with(-40, WHITE), with(40, BLACK));
+    EXPECT_EQ(with(-40, BLACK), with(40, WHITE));
 }
 
 TEST_F(Evaluation, TraceLayoutAndScaleFactors)
@@ -185,17 +206,6 @@ TEST_F(Evaluation, FullShieldCostsNothing)
     EXPECT_EQ(shield_coefficient("r2q1r1k/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1R1K w - -"), 0.0f);
     // White's g-pawn on g4: only the h- and f-files and g4 itself still count.
     EXPECT_LT(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/6P1/2N5/PP3P1P/R2Q1RK1 w - -"), 0.0f);
-}
-
-// Positions answered by the special endings leave the search no threat of
-// an earlier node.
-TEST_F(Evaluation, SpecialEndingsLeaveNoThreats)
-{
-    set_test_position(g, "k7/8/2K5/8/8/8/8/7R w - -");
-    int16_t threats[2] = {250, 800};
-    EXPECT_EQ(evaluate(&g->pos, c.get(), g->pos.side, 3, 0, threats), 788);
-    EXPECT_EQ(threats[0], 0);
-    EXPECT_EQ(threats[1], 0);
 }
 
 // A piece pinned against its king counts when the pin costs it something:

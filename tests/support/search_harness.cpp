@@ -19,8 +19,14 @@
 void harness_start(int threads)
 {
     static bool started = false;
-    if (started)
+    if (started) {
+        // Another test of the same process may have asked for another pool.
+        if (worker_count() != threads) {
+            stop_threads();
+            start_threads(threads);
+        }
         return;
+    }
     started = true;
     init_zobrist();
     set_default_settings();

@@ -13,7 +13,8 @@ struct SearchOutcome {
     uint64_t nodes;
 };
 
-// Sets everything up once per process (threads, table, parameters).
+// Sets up the table and parameters once per process, and a pool of
+// `threads` workers on every call.
 void harness_start(int threads = 1);
 
 // Searches `fen` (then `moves`, coordinate text separated by blanks) to `depth`.

@@ -1,4 +1,6 @@
+#include "board/draw.h"
 #include "board/fen.h"
+#include "board/makemove.h"
 #include "search/limits.h"
 #include "support/test_positions.h"
 #include "uci/game.h"
@@ -6,6 +8,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace
 {
@@ -55,17 +58,34 @@ TEST_F(PositionCommand, RefusedPositionsKeepThePreviousOne)
     EXPECT_EQ(fen(), before);
 }
 
+// A game that reaches 760 plies of history keeps its last 256 records and
+// goes on from there: the ply count follows, the positions stay the same,
+// and the repetitions and takebacks the kept records serve still work.
 TEST_F(PositionCommand, VeryLongGamesKeepTheirHistoryBounded)
 {
     std::string moves = "startpos moves";
     for (int i = 0; i < 220; i++)
         moves += " g1f3 g8f6 f3g1 f6g8";
-    char* buffer = new char[moves.size() + 1];
-    std::strcpy(buffer, moves.c_str());
-    position_command(buffer);
-    delete[] buffer;
-    EXPECT_LT(game_position()->game_ply, MAX_GAME_PLY - 2 * MAX_PLY);
+    std::vector<char> buffer(moves.begin(), moves.end());
+    buffer.push_back(0);
+    position_command(buffer.data());
+    EXPECT_EQ(game_position()->game_ply, 880 - 760 + 256);
     EXPECT_EQ(fen(), START_FEN);
+    EXPECT_TRUE(is_draw(game_position(), 0)) << "the start position stands for the third time";
+    for (int i = 0; i < 4; i++)
+        unmake_move(game_position());
+    EXPECT_EQ(fen(), START_FEN);
+    EXPECT_EQ(game_position()->game_ply, 880 - 760 + 252);
+    unmake_move(game_position());
+    EXPECT_EQ(fen(), "rnbqkb1r/pppppppp/5n2/8/8/8/PPPPPPPP/RNBQKBNR b KQkq -");
+
+    moves = "startpos moves";
+    for (int i = 0; i < 190; i++)
+        moves += " g1f3 g8f6 f3g1 f6g8";
+    buffer.assign(moves.begin(), moves.end());
+    buffer.push_back(0);
+    position_command(buffer.data());
+    EXPECT_EQ(game_position()->game_ply, 760 - 760 + 256) << "trimmed on reaching the limit";
 }
 
 TEST(GoCommand, ParsesLimits)
