@@ -228,52 +228,13 @@ std::string uci_command(FuzzInput* in)
     }
 }
 
-std::string console_command(FuzzInput* in)
-{
-    switch (take_range(in, 0, 20)) {
-    case 0:
-    case 1:
-        return take_chance(in, 4) ? "self" : "move";
-    case 2:
-        return take_one_of(in, {"swap", "ss", "edit", ".", "w Ke1 Ra1 Rh1 Pa2", "b Pa1", "undo", "save", "book",
-                                "hash", "eval 2", "new", "d", "uci", "quit", "thaw", "freeze all"});
-    case 3:
-        return "multipv " + number(in, 0, 4);
-    case 4:
-        return std::string(take_one_of(in, {"NMP_depth", "LMR_depth", "Selectivity", "depth", "trace", "perft",
-                                            "jump", "noise", "target_nps"}))
-               + " " + number(in, 0, 120);
-    case 5:
-        return "level " + number(in, 0, 60) + " " + number(in, 1, 30) + " " + number(in, 0, 2);
-    case 6:
-        return std::string("load ") + take_one_of(in, FILE_NAMES) + " " + take_one_of(in, {"WAC.001", "BK.24", ""});
-    case 7:
-        return std::string("tune ") + take_one_of(in, FILE_NAMES) + " 0.001 " + number(in, 1, 40);
-    case 8:
-    case 9:
-    case 10:
-    case 11: {
-        // A legal move in one of the four forms the console reads.
-        MoveEntry list[MAX_MOVES];
-        int count = gen_legal(game_position(), list);
-        if (!count)
-            return "e2e4";
-        char forms[4][MOVE_TEXT_SIZE];
-        move_texts(game_position(), list[take_range(in, 0, count - 1)].move, forms[0], forms[1], forms[2], forms[3]);
-        return forms[take_range(in, 0, 3)];
-    }
-    default:
-        return take_line(in, 80);
-    }
-}
-
 void generated_session(Script* s)
 {
     FuzzInput* in = &s->in;
     while (input_left(in) && s->waited < WAIT_BUDGET && !session_quit_requested()) {
         int action = take_range(in, 0, 15);
         if (action <= 8)
-            s->pending += tame(protocol_mode == 0 ? console_command(in) : uci_command(in)) + "\n";
+            s->pending += tame(uci_command(in)) + "\n";
         else if (action == 9)
             s->pending += take_line(in, 120);
         else if (action == 10)
@@ -332,7 +293,9 @@ void run_session_input(const uint8_t* data, size_t size, bool console)
     int shape = take_byte(&s.in);
     const int depths[8] = {1, 2, 3, 3, 4, 4, 5, MAX_SEARCH_DEPTH};
     limits.base_max_depth = limits.max_depth = uint8_t(depths[shape >> 5]);
-    if (shape % 4 == 0)
+    // The console is fed its own text: its words are many and plain, and
+    // the seeds and the dictionary hold them.
+    if (shape % 4 == 0 || console)
         raw_session(&s, shape);
     else
         generated_session(&s);

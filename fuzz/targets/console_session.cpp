@@ -1,7 +1,7 @@
-// The console command loop as a person drives it: engine moves and
-// self-play, moves in every notation, the position editor, the tools (perft,
-// exchange values, evaluation, hash line, book, trace), settings, loading and
-// saving, and the switch to UCI.
+// The console command loop as a person types into it, from the seeds and
+// the dictionary: engine moves and self-play, moves in every notation, the
+// position editor, the tools, settings, loading and saving, and the switch
+// to UCI.
 // fuzz-test-runs: 100
 #include "fuzz_support.h"
 #include "session_script.h"

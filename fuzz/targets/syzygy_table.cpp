@@ -18,6 +18,7 @@
 #include "tablebase/tbprobe.h"
 
 #include <cstdio>
+#include <random>
 #include <string>
 #include <unistd.h>
 
@@ -33,50 +34,31 @@ constexpr int TRIES = 40; // random placements per position wanted
 std::string search_path;
 Game game;
 
-uint64_t next_random(uint64_t* state)
-{
-    uint64_t z = (*state += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
-}
-
 // A FEN with the material's men on random squares (pawns off the first and
 // last ranks) and a random side to move; it may still be illegal.
-std::string random_fen(const char* material, uint64_t* state)
+std::string random_fen(const char* material, std::mt19937_64* rng)
 {
-    char board[64];
-    for (char& c : board)
-        c = 0;
+    char board[64] = {};
     bool white = true;
     for (const char* p = material; *p; p++) {
-        if (*p == 'v') {
-            white = false;
-            continue;
-        }
-        int sq;
-        do {
-            sq = int(next_random(state) % 64);
-        } while (board[sq] || (*p == 'P' && (sq < 8 || sq >= 56)));
-        board[sq] = white ? *p : char(*p - 'A' + 'a');
+        white = white && *p != 'v';
+        int sq = int((*rng)() % 64);
+        while (*p != 'v' && (board[sq] || (*p == 'P' && (sq < 8 || sq >= 56))))
+            sq = int((*rng)() % 64);
+        if (*p != 'v')
+            board[sq] = white ? *p : char(*p - 'A' + 'a');
     }
-    std::string fen = fuzz_placement(board);
-    fen += next_random(state) & 1 ? " b - - 0 1" : " w - - 0 1";
-    return fen;
+    return fuzz_placement(board) + ((*rng)() & 1 ? " b - - 0 1" : " w - - 0 1");
 }
 
 void probe(const Position* pos)
 {
-    int wdl = tb_probe_wdl(pos, 100);
-    if (wdl < -1 || wdl > 4)
-        fuzz_fail("the WDL probe gave a value out of range");
-    int full_wdl = 0, dtz = 0;
-    if (tb_probe_full(pos, &full_wdl, &dtz) && (full_wdl < -2 || full_wdl > 2))
-        fuzz_fail("the full probe gave a value out of range");
+    int wdl = tb_probe_wdl(pos, 100), full_wdl = 0, dtz = 0;
     Move move = 0;
     int root = tb_probe_root(pos, &move);
-    if (root < -1 || root > 4)
-        fuzz_fail("the root probe gave a value out of range");
+    if (wdl < -1 || wdl > 4 || root < -1 || root > 4
+        || (tb_probe_full(pos, &full_wdl, &dtz) && (full_wdl < -2 || full_wdl > 2)))
+        fuzz_fail("a probe gave a value out of range");
     if (move && (!is_pseudo_legal(pos, move) || !is_legal(pos, pos->side, move)))
         fuzz_fail("the root probe chose a move that cannot be played");
 }
@@ -119,10 +101,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     // The same positions for every content of the file, so that what a
     // mutation changes is the table alone.
-    uint64_t state = uint64_t(data[0] / (2 * MATERIAL_COUNT)) * 1000003u + uint64_t(choice);
+    std::mt19937_64 rng{uint64_t(data[0])};
     int probed = 0;
     for (int t = 0; t < TRIES * POSITIONS && probed < POSITIONS; t++) {
-        std::string fen = random_fen(material, &state);
+        std::string fen = random_fen(material, &rng);
         Position* pos = game_init(&game);
         set_position(pos, fen.c_str());
         if (position_problem(pos))

@@ -1,7 +1,5 @@
 #include "board/epd.h"
 #include "board/fen.h"
-#include "board/makemove.h"
-#include "board/movegen.h"
 #include "board/position_check.h"
 #include "support/test_positions.h"
 
@@ -52,37 +50,6 @@ TEST(Fen, ReaderDetails)
     // A right without its rook is removed (and reported).
     EXPECT_EQ(set_position(&g->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
     EXPECT_EQ(g->pos.castling, 2 | 4 | 8);
-    free_test_game(g);
-}
-
-TEST(Fen, ReaderAgreesWithThePositionMovesMake)
-{
-    // Every summary the reader builds (piece sets, material signatures,
-    // phase material, king squares, keys) is what making the moves keeps
-    // up: read back after each legal move, the position is the same.
-    Game* g = new_test_game();
-    Game* h = new_test_game();
-    std::vector<std::string> fens = load_test_fens(100);
-    MoveEntry list[256];
-    char text[128];
-    for (const std::string& f : fens) {
-        set_position(&g->pos, f.c_str());
-        ASSERT_STREQ(position_fault(&g->pos), "") << f;
-        int n = gen_legal(&g->pos, list);
-        for (int i = 0; i < n; i++) {
-            make_move(&g->pos, list[i].move);
-            write_fen(&g->pos, text);
-            read_fen(&h->pos, text);
-            EXPECT_STREQ(position_fault(&h->pos), "") << text;
-            EXPECT_EQ(h->pos.key, g->pos.key) << text;
-            EXPECT_EQ(h->pos.pawn_key, g->pos.pawn_key) << text;
-            EXPECT_EQ(std::memcmp(h->pos.pieces, g->pos.pieces, sizeof g->pos.pieces), 0) << text;
-            EXPECT_EQ(h->pos.material_signature[BLACK], g->pos.material_signature[BLACK]) << text;
-            EXPECT_EQ(h->pos.phase_material[WHITE], g->pos.phase_material[WHITE]) << text;
-            unmake_move(&g->pos);
-        }
-    }
-    free_test_game(h);
     free_test_game(g);
 }
 

@@ -7,6 +7,7 @@
 #include "board/notation.h"
 #include "output/output.h"
 #include "support/engine_process.h"
+#include "search/timeman.h"
 #include "support/test_positions.h"
 
 #include <algorithm>
@@ -80,6 +81,17 @@ TEST(UciSearch, LimitsAreHonoured)
     // Mate in one: the PV ends with the mate, so there is no ponder move and
     // the line ends right after the move.
     EXPECT_EQ(u.go("fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", "wtime 10000 btime 10000"), "bestmove a1a8");
+
+    // A strength limit holds the node rate down to the rating's rate: the
+    // nodes searched never run ahead of the time spent.
+    u.e.send_line("setoption name UCI_LimitStrength value true");
+    u.e.send_line("setoption name UCI_Elo value 2000");
+    seen.clear();
+    EXPECT_NE(u.go("startpos", "movetime 300", &seen), "");
+    std::string info = last_info(seen);
+    nodes = value_after(info, "nodes");
+    EXPECT_GT(nodes, 0) << info;
+    EXPECT_LE(double(nodes), rate_for_elo(2000) * double(value_after(info, "time") + 5) / 1000 + 20) << info;
 }
 
 TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
@@ -135,48 +147,29 @@ TEST(UciSearch, ChangesDuringASearchKeepItsReport)
     EXPECT_EQ(u.e.quit(), 0);
 }
 
-// Engine against itself through the protocol, with a clock: every move must
-// be legal, until the game ends or 200 plies are played.
+// Engine against itself through the protocol, with a clock and two
+// threads: every move must be legal, until the game ends or 160 plies.
 TEST(UciSearch, SelfPlayGameStaysLegal)
 {
-    for (int threads : {1, 2}) {
-        Uci u;
-        u.e.send_line("setoption name Threads value " + std::to_string(threads));
-        u.e.send_line("setoption name Hash value 8");
-        u.e.send_line("ucinewgame");
-        SearchThread* t = new_test_thread();
-        set_test_position(t, START_FEN);
-        int16_t saved_mode = protocol_mode;
-        protocol_mode = 1;
-        std::string moves;
-        double wtime = 600, btime = 600;
-        int ply = 0;
-        for (; ply < 200; ply++) {
-            MoveEntry list[MAX_MOVES];
-            if (gen_legal(&t->pos, list) == 0 || is_draw(&t->pos, 0))
-                break;
-            std::string line = u.go("startpos" + (moves.empty() ? "" : " moves" + moves),
-                                    "wtime " + std::to_string(int(wtime)) + " btime " + std::to_string(int(btime))
-                                        + " winc 10 binc 10");
-            ASSERT_EQ(line.rfind("bestmove ", 0), 0u) << moves;
-            std::string move = line.substr(9, line.find(' ', 9) - 9);
-            Move m = 0;
-            int n = gen_legal(&t->pos, list);
-            for (int i = 0; i < n; i++) {
-                char text[MOVE_TEXT_SIZE];
-                move_to_coord(list[i].move, text, MOVE_STYLE_UCI);
-                if (move == text)
-                    m = list[i].move;
-            }
-            ASSERT_NE(m, 0) << "illegal move " << move << " after" << moves;
-            make_move(&t->pos, m);
-            moves += " " + move;
-        }
-        protocol_mode = saved_mode;
-        EXPECT_GT(ply, 10);
-        free_test_thread(t);
-        EXPECT_EQ(u.e.quit(), 0);
+    Uci u;
+    u.e.send_line("setoption name Threads value 2");
+    u.e.send_line("ucinewgame");
+    Game* g = new_test_game();
+    set_test_position(g, START_FEN);
+    std::string moves;
+    int ply = 0;
+    for (MoveEntry list[MAX_MOVES]; ply < 160 && gen_legal(&g->pos, list) && !is_draw(&g->pos, 0); ply++) {
+        std::string line = u.go("startpos moves" + moves, "wtime 600 btime 600 winc 10 binc 10");
+        ASSERT_EQ(line.rfind("bestmove ", 0), 0u) << moves;
+        std::string move = line.substr(9, line.find(' ', 9) - 9);
+        Move m = 0;
+        ASSERT_TRUE(parse_move(&g->pos, move.c_str(), &m) && move.size() >= 4) << move << " after" << moves;
+        make_move(&g->pos, m);
+        moves += " " + move;
     }
+    EXPECT_GT(ply, 10);
+    free_test_game(g);
+    EXPECT_EQ(u.e.quit(), 0);
 }
 
 // What clients (python-chess, lichess-bot, match runners) read: no legal
