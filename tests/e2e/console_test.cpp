@@ -19,6 +19,11 @@ TEST(Console, SettingsWords)
     EXPECT_EQ(e.ask("target_nps 50000", "target_nps"), "target_nps set to 50000");
     EXPECT_EQ(e.ask("ss", "selectivity"), "selectivity set to OFF");
     EXPECT_EQ(e.ask("debug", "set default"), "set default personality");
+    // Each search setting's word holds its value to 0..100.
+    for (const char* word : {"SEP_depth", "NMP_depth", "FP_depth", "ProbCut_depth", "LMP_depth", "LMR_depth"}) {
+        EXPECT_EQ(e.ask(std::string(word) + " -1", word), std::string(word) + " set to 0");
+        EXPECT_EQ(e.ask(std::string(word) + " 101", word), std::string(word) + " set to 100");
+    }
     // Noise levels beyond an integer are cut.
     EXPECT_EQ(e.ask("noise 1.8e19", "noise"), "noise set to 1000000000");
     EXPECT_EQ(e.ask("noise -1e300", "noise"), "noise set to -1000000000");

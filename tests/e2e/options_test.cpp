@@ -120,6 +120,16 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_EQ(reply(e, "setoption name MoveOverhead value 100"), "info string Move Overhead set to 100");
     EXPECT_EQ(reply(e, "setoption name move overhead value 7000"), "info string Move Overhead set to 5000");
     EXPECT_EQ(reply(e, "setoption name Selectivity value abc"), "info string Selectivity set to 0");
+    // The search settings' defaults, as the debugging word lists them.
+    e.send_line("_show");
+    std::vector<std::string> shown;
+    for (int i = 0; i < 12; i++)
+        shown.push_back(e.wait_for("info string "));
+    EXPECT_EQ(shown, (std::vector<std::string>{
+                         "info string SEP_depth= 3", "info string SEP_mult= 75", "info string NMP_depth= 3",
+                         "info string FP_depth= 3", "info string FP_mult= 125", "info string PC_depth= 3",
+                         "info string PC_red= 3", "info string PC_margin= 100", "info string LMP_depth= 6",
+                         "info string LMP_mult= 2", "info string LMR_depth= 3", "info string Selectivity= 0"}));
     // The engine still plays after all that, with win/draw/loss chances
     // in permille on its info lines once asked for.
     EXPECT_EQ(reply(e, "setoption name UCI_ShowWDL value true"), "info string UCI_ShowWDL set to 1");

@@ -41,3 +41,37 @@ TEST(TuneDataRun, FiltersAndABrokenPosition)
     EXPECT_TRUE(starting_with(run.lines, "Creating").empty());
     std::filesystem::remove_all(dir);
 }
+
+// -train from the command line, with -freeze and -thaw choosing the rows
+// that may move: params.txt holds the trained table at the end.
+TEST(TuneDataRun, TrainingHonoursFreezeAndThaw)
+{
+    std::string dir = make_temp_dir();
+    std::string lines;
+    for (int i = 0; i < 50; i++)
+        lines += i % 2 ? "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - ce 30; gr 1.0;\n"
+                       : "rnbqkbnr/ppp2ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - ce -60; gr 0.0;\n"; // a pawn up
+    std::ofstream(dir + "/few.epd") << lines;
+    auto trained = [&](std::vector<std::string> args) {
+        std::filesystem::remove(dir + "/params.txt");
+        for (const char* a : {"-train", "few.epd", "5", "200"})
+            args.push_back(a);
+        EXPECT_EQ(run_tool(args, dir).status, 0);
+        return read_lines(dir + "/params.txt");
+    };
+    std::vector<std::string> moved = trained({}), frozen = trained({"-freeze", "all"});
+    std::vector<std::string> one_row = trained({"-freeze", "all", "-thaw", "bishop_mobility"});
+    ASSERT_EQ(moved.size(), frozen.size());
+    ASSERT_EQ(moved.size(), one_row.size());
+    int changed = 0, one_row_changes = 0;
+    for (size_t i = 0; i < moved.size(); i++) {
+        changed += moved[i] != frozen[i];
+        if (one_row[i] != frozen[i]) {
+            EXPECT_NE(one_row[i].find("bishop_mobility"), std::string::npos) << one_row[i];
+            one_row_changes++;
+        }
+    }
+    EXPECT_GT(changed, 2);
+    EXPECT_EQ(one_row_changes, 1);
+    std::filesystem::remove_all(dir);
+}
