@@ -186,7 +186,6 @@ int search_node(SearchThread* t, int side, int ply, int depth, int alpha, int be
 
     // Step 6: this ply's record.
     pi.alpha = int16_t(alpha);
-    pi.moves_tried = 0;
     pi.hash_move = 0;
     pi.iid_active = 0;
     pi.tb_result = -1;

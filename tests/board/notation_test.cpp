@@ -64,7 +64,7 @@ TEST(Notation, FormsOfOneMove)
     for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q"})
         EXPECT_EQ(parse(&g->pos, text), 0) << text; // e8 is occupied by the king: no such move
     set_test_position(g, "7k/4P3/8/8/8/8/8/4K3 w - -");
-    for (const char* text : {"e7e8q", "e7e8=Q", "e8Q", "e8=Q", "e8=Q+"})
+    for (const char* text : {"e7e8q", "e7e8=Q", "e7e8=q", "e8Q", "e8=Q", "e8=q", "e8=Q+"})
         EXPECT_EQ(parse(&g->pos, text), promo) << text;
 
     // Two knights reach d2: the short form is ambiguous, both long forms work.
