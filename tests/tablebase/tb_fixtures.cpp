@@ -1,5 +1,7 @@
 #include "tablebase/tb_fixtures.h"
 
+#include "board/fen.h"
+#include "board/position_check.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
@@ -26,6 +28,13 @@ Position* TestBoard::set(const std::string& fen, int fifty)
     set_test_position(owner_->game, fen);
     owner_->game->pos.fifty = uint8_t(fifty);
     return &owner_->game->pos;
+}
+
+Position* TestBoard::try_set(const std::string& fen)
+{
+    Position* pos = game_init(owner_->game);
+    set_position(pos, fen.c_str());
+    return position_problem(pos) ? nullptr : pos;
 }
 
 std::vector<ProbeAnswer> load_probe_answers()

@@ -21,6 +21,8 @@ class TestBoard
     // Sets the position from FEN (counters ignored), failing the test when
     // it is not a playable position; `fifty` is the fifty-move counter.
     Position* set(const std::string& fen, int fifty = 0);
+    // The same without failing: nullptr when the position is not playable.
+    Position* try_set(const std::string& fen);
 
   private:
     struct Owner;

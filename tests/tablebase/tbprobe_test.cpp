@@ -3,11 +3,13 @@
 #include "tablebase/tbprobe.h"
 
 #include "board/attack_queries.h"
+#include "board/fen.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "tablebase/tb_fixtures.h"
 
 #include <gtest/gtest.h>
+#include <random>
 
 namespace
 {
@@ -225,5 +227,66 @@ TEST(TbProbe, RootMoveKeepsTheResultAndMakesProgress)
                 EXPECT_EQ(longest_loss, 0) << a.id;
             }
         }
+    }
+}
+
+// Random positions of materials with pawns, on both sides among them: each
+// value agrees with a one-ply search over its children (a win has a child
+// lost for the opponent, a draw none but a drawn one), and the distance
+// has the value's sign, zero only for draws.
+TEST(TbProbe, ValuesAgreeWithTheirChildren)
+{
+    tb_init(shared_tables().c_str());
+    TestBoard board, child_board;
+    std::mt19937_64 rng(11);
+    auto sign = [](int v) { return (v > 0) - (v < 0); };
+    for (const char* material : {"KPvKP", "KBvKP", "KNvKP", "KRvKP", "KQvKP", "KPPvK", "KRPvK", "KRvKB"}) {
+        int checked = 0;
+        for (int tries = 0; checked < 120 && tries < 20000; tries++) {
+            char men[64] = {};
+            bool white = true;
+            for (const char* p = material; *p; p++) {
+                if (*p == 'v') {
+                    white = false;
+                    continue;
+                }
+                int sq;
+                do
+                    sq = int(rng() % 64);
+                while (men[sq] || (*p == 'P' && (sq < 8 || sq >= 56)));
+                men[sq] = white ? *p : char(*p + 32);
+            }
+            std::string fen;
+            for (int rank = 7; rank >= 0; rank--) {
+                for (int file = 0; file < 8; file++)
+                    fen += men[rank * 8 + file] ? men[rank * 8 + file] : '1';
+                fen += rank ? "/" : rng() % 2 ? " w - -" : " b - -";
+            }
+            Position* pos = board.try_set(fen);
+            if (!pos)
+                continue;
+            int wdl = 9, dtz = 0;
+            ASSERT_TRUE(tb_probe_full(pos, &wdl, &dtz)) << fen;
+            EXPECT_EQ(sign(dtz), sign(wdl)) << fen;
+            MoveEntry list[MAX_MOVES];
+            int n = gen_legal(pos, list), best = n ? -1 : in_check(pos, pos->side) ? -1 : 0;
+            for (int i = 0; i < n; i++) {
+                make_move(pos, list[i].move);
+                char text[128];
+                write_fen(pos, text);
+                Position* child = child_board.set(text);
+                MoveEntry replies[MAX_MOVES];
+                int child_wdl = 0, child_dtz = 0;
+                if (gen_legal(child, replies) == 0)
+                    child_wdl = in_check(child, child->side) ? -2 : 0;
+                else if (popcount(occupancy(child)) > 2)
+                    ASSERT_TRUE(tb_probe_full(child, &child_wdl, &child_dtz)) << text;
+                best = std::max(best, -sign(child_wdl));
+                unmake_move(pos);
+            }
+            ASSERT_EQ(sign(wdl), best) << fen;
+            checked++;
+        }
+        EXPECT_EQ(checked, 120) << material;
     }
 }
