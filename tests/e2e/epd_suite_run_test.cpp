@@ -99,16 +99,3 @@ TEST(EpdSuiteRun, AwkwardLines)
     std::filesystem::remove_all(dir);
 }
 
-// A move time of 9999 s keeps only the summary (and -t replaces what -d set).
-TEST(EpdSuiteRun, NineNineNineNineSecondsKeepOnlyTheSummary)
-{
-    std::string dir = make_temp_dir();
-    copy_head("epd/wac.epd", 5, dir + "/wac5.epd");
-    ToolRun run = run_tool({"-hash", "16", "-d", "5", "-t", "9999", "-anepd", "wac5.epd"}, dir);
-    ASSERT_EQ(run.status, 0);
-    EXPECT_TRUE(starting_with(run.lines, "pos= ").empty());
-    EXPECT_TRUE(starting_with(run.lines, "info depth").empty());
-    EXPECT_EQ(starting_with(run.lines, "Analyzing wac5.epd...").size(), 1u);
-    EXPECT_EQ(starting_with(run.lines, "total nodes= ").size(), 1u);
-    std::filesystem::remove_all(dir);
-}

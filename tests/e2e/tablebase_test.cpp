@@ -86,30 +86,3 @@ TEST(TablebaseE2E, SwitchesAndConfigurationFilePointAtTables)
     }
 }
 
-// The console word "tb": the tables' value and distance for the position,
-// as the shared probe answers give them, or "tb none".
-TEST(TablebaseE2E, ConsoleWordTellsWhatTheTablesSay)
-{
-    EngineProcess e({"-c", "-tbpath", data_path("syzygy")});
-    EXPECT_EQ(e.ask("tb", "tb "), "tb none"); // the start position
-    std::string probes = data_path("syzygy_probes.epd");
-    e.send_line("load " + probes + " tb0");
-    EXPECT_EQ(e.ask("tb", "tb "), "tb wdl 2 dtz 13");
-    e.send_line("load " + probes + " tb3");
-    EXPECT_EQ(e.ask("tb", "tb "), "tb wdl -2 dtz -12");
-    e.send_line("load " + probes + " tb2");
-    EXPECT_EQ(e.ask("tb", "tb "), "tb wdl 0 dtz 0");
-    // Castling rights keep a position out of the tables.
-    e.send_line("edit");
-    e.send_line("#");
-    e.send_line("w Ke1 Ra1");
-    e.send_line("b Ke8");
-    e.send_line(".");
-    EXPECT_EQ(e.ask("tb", "tb "), "tb none");
-    EXPECT_EQ(e.quit(), 0);
-
-    EngineProcess bare({"-c"});
-    bare.send_line("load " + probes + " tb0");
-    EXPECT_EQ(bare.ask("tb", "tb "), "tb none");
-    EXPECT_EQ(bare.quit(), 0);
-}

@@ -72,6 +72,10 @@ TEST_F(Evaluation, SpecialEndings)
     EXPECT_EQ(eval("4k3/8/4K3/4P3/8/8/8/8 b - -"), -(800 + 25 * 4 - 3 * 1 + 3 * 3));
     EXPECT_GT(win, 700);
     EXPECT_EQ(eval("8/8/8/8/8/4K3/4P3/2k5 b - -") < -700, true);
+    // Bare kings against men that make no special ending get the full
+    // evaluation.
+    EXPECT_GT(eval("4k3/8/8/8/8/8/PP6/4K3 w - -"), 100);
+    EXPECT_GT(eval("4k3/8/8/8/8/8/8/1BB1K1n1 w - -"), 100);
     // They leave the search no threat of an earlier node.
     int16_t threats[2] = {250, 800};
     set_test_position(g, "k7/8/2K5/8/8/8/8/7R b - -");

@@ -75,18 +75,6 @@ TEST(LabelGames, StartPositionsCommentsVariationsAndBrokenGames)
     EXPECT_EQ(lines[3], "8/7k/8/8/8/8/8/K5R1 b - - bm Kh8; ce -50; gr 0.5;");
 }
 
-// A closing brace with no comment open, as a hand-edited file leaves, is
-// passed over: the reader once stood on it forever.
-TEST(LabelGames, StrayClosingBraceEndsAndLabels)
-{
-    std::string pgn = std::string("[Event \"d\"]\n[Result \"0-1\"]\n\n1. Nf3 {a comment} Nf6 }}\n")
-                      + (MOVES + 10) + " 0-1\n";
-    long count = 0;
-    std::vector<std::string> lines = label(pgn, &count);
-    ASSERT_EQ(count, 8);
-    EXPECT_EQ(lines[0], "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e3; ce 0; gr 0.0;");
-}
-
 // Scores that strtod reads as numbers beyond an int ("1e99", "+inf") were
 // converted as they were, which is undefined; they are now kept within the
 // range of a stored evaluation, and "+nan" counts as no score.
@@ -108,20 +96,3 @@ TEST(LabelGames, HugeCommentScoresStayInRange)
     EXPECT_NE(lines[2].find("bm Nf3; ce 0;"), std::string::npos) << lines[2];
 }
 
-// A FEN tag whose side field is neither "w" nor "b": the labelling pass
-// once read the tag again and kept the side to move of the game's end,
-// replaying White's moves for Black after an odd number of plies.
-TEST(LabelGames, OddGameFromFenWithoutSideReplaysTheSameMoves)
-{
-    std::string moves;
-    for (int i = 0; i < 6; i++)
-        moves += " Kb2 Kh7 Ka1 Kh8";
-    moves += " Kb2 Kh7 Ka1";
-    std::string pgn = "[Event \"f\"]\n[FEN \"7k/8/8/8/8/8/8/K5R1 ? - - 0 1\"]\n[Result \"1-0\"]\n\n"
-                      + moves.substr(1) + " 1-0\n";
-    long count = 0;
-    std::vector<std::string> lines = label(pgn, &count);
-    ASSERT_EQ(count, 5); // 27 plies: 16 .. 20
-    EXPECT_EQ(lines[0], "7k/8/8/8/8/8/8/K5R1 w - - bm Kb2; ce 0; gr 1.0;");
-    EXPECT_EQ(lines[1], "7k/8/8/8/8/8/1K6/6R1 b - - bm Kh7; ce 0; gr 0.0;");
-}

@@ -116,27 +116,6 @@ std::string pawns(int centipawns)
 
 } // namespace
 
-TEST(PgnScan, TrainingSkipsForfeitsAndShortGamesAndKeepsTheLastGame)
-{
-    auto ten = [](int) { return pawns(10); };
-    std::string pgn = pgn_game({"Event \"a\"", "Result \"1-0\"", "Termination \"time forfeit\""}, first_moves(42), ten)
-                      + pgn_game({"Event \"b\"", "Result \"1-0\""}, first_moves(22), ten)
-                      + pgn_game({"Event \"c\"", "Result \"1-0\""}, first_moves(23), ten);
-    Scan s(pgn, 2);
-    // Only the last game, although no tag follows it, and of its 23 plies
-    // only ply 16: the first training ply is also the last one kept.
-    Replayed r = replay(first_moves(23));
-    ASSERT_EQ(s.positions, 1);
-    ASSERT_EQ(s.out.size(), 2u);
-    EXPECT_EQ(s.out[0], r.fens[16] + " bm Re1; ce 10; gr 1.0;");
-    EXPECT_EQ(s.out[1], ""); // the scan ends its output with a newline
-    EXPECT_TRUE(s.side.empty());
-
-    // Without the forfeit the first game writes plies 16 .. 35.
-    Scan whole(pgn_game({"Event \"a\"", "Result \"1-0\""}, first_moves(42), ten), 2);
-    EXPECT_EQ(whole.positions, 20);
-}
-
 TEST(PgnScan, TrainingLabelsAreTheMoversOwn)
 {
     std::vector<std::string> moves = first_moves(42);
@@ -213,35 +192,6 @@ TEST(PgnScan, OpeningPositionsEndAtTheFirstLargeEvaluation)
     // opens with book moves gives its first position only.
     Scan book(pgn_game({"Event \"x\""}, moves, [](int i) { return i < 4 ? std::string("book") : pawns(10); }), 3);
     EXPECT_EQ(book.out, (std::vector<std::string>{r.fens[0] + " bm e4; ce -30000;", ""}));
-}
-
-TEST(PgnScan, TagsCommentsAndOddMoveText)
-{
-    std::vector<std::string> moves = first_moves(30);
-    // A comment spread over lines (one of them starting "[%"), nested
-    // braces, "eval " from White's side, a result word, and an "abandoned"
-    // game whose move text is not read at all.
-    std::string pgn = "[Event \"x\"]\n[Result \"1-0\"]\n\n";
-    for (size_t i = 0; i < moves.size(); i++) {
-        if (i % 2 == 0)
-            pgn += std::to_string(i / 2 + 1) + ".";
-        if (i == 17)
-            pgn += moves[i] + " {a {nested} comment\n[%eval -40,12]\n}\n";
-        else
-            pgn += moves[i] + " {" + pawns(5) + "} ";
-        if (i % 6 == 5)
-            pgn += "\n";
-    }
-    pgn += "1-0\n";
-    // Without its "abandoned" this game would add 20 positions.
-    pgn += pgn_game({"Event \"y\"", "Result \"0-1\"", "Termination \"abandoned\""}, first_moves(42),
-                    [](int) { return pawns(5); });
-    Scan s(pgn, 2);
-    Replayed r = replay(moves);
-    // Plies 16 .. 23 of the first game; ply 17, Black's, carries -(-40).
-    ASSERT_EQ(s.positions, 8);
-    EXPECT_EQ(s.out[1], r.fens[17] + " bm " + moves[17] + "; ce 40; gr 0.0;");
-    EXPECT_EQ(s.out[0], r.fens[16] + " bm " + moves[16] + "; ce 5; gr 1.0;");
 }
 
 TEST(PgnScan, MistakeNeedsCalmStartAndLastingRise)

@@ -50,23 +50,19 @@ const char* const MIDDLEGAME = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/
 
 } // namespace
 
+// The target mixes the game's result (nine tenths) with the score's win
+// chance; results come as the labelling tools write them, as any decimal,
+// as a game's "1-0" (White's view) or between brackets with the chance.
 TEST_F(Tuner, TargetsFromTheLabels)
 {
-    double p0 = win_probability(0);
-    EXPECT_DOUBLE_EQ(p0, 0.5);
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1.0;", WHITE, 0), float(0.9 + 0.1 * p0));
-    // Results as the labelling tools write them, and any other decimal.
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.5;", WHITE, 0), float(0.9 * 0.5 + 0.1 * p0));
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.0;", BLACK, 0), float(0.1 * p0));
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.55;", WHITE, 0), float(0.9 * 0.55 + 0.1 * p0));
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.25;", WHITE, 0), float(0.9 * 0.25 + 0.1 * p0));
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1;", WHITE, 0), float(0.9 + 0.1 * p0));
-    // A result in " c9 " is White's: with Black to move a White win is a loss.
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", BLACK, 0), float(0.1 * p0));
-    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", WHITE, 0), float(0.9 + 0.1 * p0));
-    // "[" gives both the result and the probability.
+    EXPECT_DOUBLE_EQ(win_probability(0), 0.5);
+    EXPECT_GT(win_probability(200), 0.6);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1.0;", WHITE, 0), 0.95f);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 0.25;", WHITE, 0), 0.275f);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1;", BLACK, 0), 0.95f);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", BLACK, 0), 0.05f);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", WHITE, 0), 0.95f);
     EXPECT_FLOAT_EQ(tuning_target("x [0.0] ce 40;", BLACK, 40), 1.0f);
-    // Without any result the line trains towards its own evaluation.
     EXPECT_FLOAT_EQ(tuning_target("x ce 200;", WHITE, 200), float(win_probability(200)));
 }
 
