@@ -1,7 +1,6 @@
 // Slider attacks as this build computes them (one table read by bit
 // extraction, or rays and their first blockers, which processors without
-// the instruction run): the same sets as a square-by-square walk, and the
-// perft counts of the data. This file uses the board alone, so that a
+// the instruction run): the perft counts of the data. This file uses the board alone, so that a
 // second, small build can check the ray path on any machine.
 #include "board/attacks.h"
 #include "board/fen.h"
@@ -12,28 +11,11 @@
 
 #include <fstream>
 #include <gtest/gtest.h>
-#include <random>
 #include <sstream>
 #include <string>
 
 namespace
 {
-
-Bitboard walk(int sq, Bitboard occ, const int (&df)[4], const int (&dr)[4])
-{
-    Bitboard att = 0;
-    for (int d = 0; d < 4; d++) {
-        int f = file_of(sq) + df[d], r = rank_of(sq) + dr[d];
-        while (f >= 0 && f < 8 && r >= 0 && r < 8) {
-            att |= bit(make_square(f, r));
-            if (occ & bit(make_square(f, r)))
-                break;
-            f += df[d];
-            r += dr[d];
-        }
-    }
-    return att;
-}
 
 uint64_t perft(Position* pos, int depth)
 {
@@ -63,26 +45,6 @@ TEST(SliderPaths, TheBuildUsesThePathItWasAskedFor)
 #elif defined(__BMI2__)
     EXPECT_TRUE(SLIDERS_BY_EXTRACTION);
 #endif
-}
-
-TEST(SliderPaths, SlidersMatchASquareBySquareWalk)
-{
-    const int rf[4] = {0, 0, 1, -1}, rr[4] = {1, -1, 0, 0};
-    const int bf[4] = {1, 1, -1, -1}, br[4] = {1, -1, 1, -1};
-    std::mt19937_64 rng(7);
-    for (int i = 0; i < 20000; i++) {
-        Bitboard occ = rng() & rng();
-        int sq = int(rng() % 64);
-        ASSERT_EQ(rook_attacks(sq, occ), walk(sq, occ, rf, rr)) << sq << " " << occ;
-        ASSERT_EQ(bishop_attacks(sq, occ), walk(sq, occ, bf, br)) << sq << " " << occ;
-    }
-    // Empty boards exercise the sentinel squares at both ends.
-    for (int sq = 0; sq < 64; sq++) {
-        EXPECT_EQ(rook_attacks(sq, 0), ROOK_RAYS[sq]);
-        EXPECT_EQ(bishop_attacks(sq, 0), BISHOP_RAYS[sq]);
-    }
-    // Rook on a1, blocker on a5: a2..a5 and the whole first rank.
-    EXPECT_EQ(rook_attacks(0, bit(32)), bit(8) | bit(16) | bit(24) | bit(32) | 0xFEULL);
 }
 
 // Every data position to the deepest depth whose count stays within 300,000

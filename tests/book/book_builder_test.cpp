@@ -183,16 +183,6 @@ TEST_F(BookBuilder, CastlingWithLettersAndZeros)
     EXPECT_EQ(bytes.size(), 16u * 4);
 }
 
-// A game set up from another position is replayed from the standard one,
-// so its first move fails and nothing of it counts.
-TEST_F(BookBuilder, GamesFromOtherPositionsBreakAtOnce)
-{
-    std::string setup = "[Event \"t\"]\n[SetUp \"1\"]\n[FEN \"4k3/8/8/8/8/8/3P4/4K3 w - - 0 1\"]\n[Result \"1-0\"]\n\n"
-                        "1. Kd1 Kd7 2. d4 Kd6 1-0\n\n";
-    EXPECT_EQ(build(setup + setup + setup + setup), "");
-    EXPECT_NE(printed.find("ngames= 4, nmoves= 0\n"), std::string::npos);
-}
-
 // Weights above 60000 are scaled down with their ratios; a position's moves
 // are written heaviest first, equal weights in the order first seen; a dot
 // marks every 1024 games.
@@ -211,27 +201,3 @@ TEST_F(BookBuilder, WeightsOrderAndProgress)
     EXPECT_EQ(printed.substr(line_end + 1, printed.find("\nwriting") - line_end - 1), std::string(20019 / 1024, '.'));
 }
 
-// Odd input never crashes: lines longer than the read buffer, control
-// characters, stray closing brackets, binary noise between games.
-TEST_F(BookBuilder, OddInput)
-{
-    std::string noise;
-    uint32_t x = 99;
-    for (int i = 0; i < 20000; i++) {
-        x = x * 1103515245u + 12345u;
-        noise += char(x >> 24);
-        if (i % 3000 == 0)
-            noise += "\n[Result \"1-0\"]\n1. e4 e5 2. Nf3 ";
-    }
-    std::string long_line(3000, ' ');
-    long_line += "Nf3";
-    std::string pgn = games("1. e4\te5 2.\rNf3 } ) Nc6", "1-0") + noise + games(long_line, "1-0")
-                      + games("1. e4 " + std::string(1019, ' ') + "e5 2. Nf3", "1-0") + "\n[Result \"1-0\"]\n"
-                      + std::string(5000, 'x');
-    build(pgn);
-    std::string in = dir + "/missing.pgn", out = dir + "/none.bin";
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(build_book(in.c_str(), out.c_str()), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_FALSE(std::filesystem::exists(out));
-}

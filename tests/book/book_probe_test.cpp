@@ -4,13 +4,8 @@
 #include "book/book_entry.h"
 #include "book/book_key.h"
 #include "book/book_probe.h"
-#include "output/output.h"
-#include "support/engine_process.h"
 #include "support/game_and_dir_fixture.h"
-#include "support/test_positions.h"
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -19,9 +14,7 @@
 namespace
 {
 
-constexpr BookOptions LISTED = {25, false, false};
-
-void write_book(const std::string& path, const std::vector<BookEntry>& entries, const std::string& tail = "")
+void write_book(const std::string& path, const std::vector<BookEntry>& entries)
 {
     std::ofstream out(path, std::ios::binary);
     for (const BookEntry& e : entries) {
@@ -29,29 +22,11 @@ void write_book(const std::string& path, const std::vector<BookEntry>& entries, 
         encode_book_entry(&e, bytes);
         out.write(reinterpret_cast<const char*>(bytes), sizeof bytes);
     }
-    out << tail;
-}
-
-std::string read_bytes(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 uint16_t book_code(const char* from, const char* to)
 {
     return uint16_t((from[0] - 'a' + 8 * (from[1] - '1')) << 6 | (to[0] - 'a' + 8 * (to[1] - '1')));
-}
-
-// Runs the probe and returns what it printed; `mode` 0 lists for a person,
-// 1 for an interface.
-std::string probe_text(const Position* pos, const std::string& file, Move* result, int mode = 1,
-                       BookOptions options = LISTED)
-{
-    options.console_listing = mode == 0;
-    testing::internal::CaptureStdout();
-    *result = book_probe(pos, file.c_str(), options);
-    return testing::internal::GetCapturedStdout();
 }
 
 std::string coord(Move m)
@@ -62,27 +37,42 @@ std::string coord(Move m)
 class BookFiles : public GameAndDir
 {
   protected:
-    void play(const char* text)
+    void SetUp() override
     {
-        Move m;
-        ASSERT_TRUE(parse_move(&game->pos, text, &m)) << text;
-        make_move(&game->pos, m);
+        GameAndDir::SetUp();
+        set_test_position(game, START_FEN);
+    }
+    // Runs the probe and returns what it printed: the interface's listing,
+    // the console's (`console`), or none (`quiet`).
+    std::string probe(const std::string& file, Move* result, bool console = false, bool quiet = false)
+    {
+        testing::internal::CaptureStdout();
+        *result = book_probe(&game->pos, file.c_str(), {25, quiet, console});
+        return testing::internal::GetCapturedStdout();
+    }
+    void play(std::initializer_list<const char*> moves)
+    {
+        for (const char* text : moves) {
+            Move m;
+            ASSERT_TRUE(parse_move(&game->pos, text, &m)) << text;
+            make_move(&game->pos, m);
+        }
     }
 };
 
+const std::string LISTING = "info string ( book moves are: ";
+
 } // namespace
 
-// Every position of the probe list, each with what an independent reader
-// found in the book: the entries come back in file order (the binary search
-// lands on the first of the run), the listing names exactly the entries of
-// non-zero weight, and the move played is one of them.
+// Every position of the probe list, with what an independent reader found
+// in the book: the entries come back in file order, the listing names
+// exactly the entries of non-zero weight, and the move played is one of them.
 TEST_F(BookFiles, PerformanceBookAgreesWithAnIndependentReader)
 {
     std::string book = data_path("books/performance.bin");
     std::ifstream in(data_path("books/performance_probes.txt"));
-    std::string line;
     int positions = 0, found = 0;
-    while (std::getline(in, line)) {
+    for (std::string line; std::getline(in, line); positions++) {
         std::vector<std::string> parts;
         std::stringstream fields(line);
         for (std::string part; std::getline(fields, part, '|');)
@@ -91,94 +81,64 @@ TEST_F(BookFiles, PerformanceBookAgreesWithAnIndependentReader)
         set_test_position(game, parts[0]);
         uint64_t key = std::stoull(parts[1], nullptr, 16);
         ASSERT_EQ(book_key(&game->pos), key) << line;
-
-        std::vector<std::string> expected, listed;
+        std::vector<std::string> expected, read;
+        std::string listing = LISTING;
         std::stringstream moves(parts.size() > 2 ? parts[2] : "");
         for (std::string item; moves >> item;) {
             expected.push_back(item);
             if (item.substr(item.find(':') + 1) != "0")
-                listed.push_back(item.substr(0, 4));
+                listing += item.substr(0, 4) + " ";
         }
-
         BookEntry entries[MAX_BOOK_MOVES];
         int n = read_book_moves(book.c_str(), key, entries);
-        std::vector<std::string> read;
         for (int i = 0; i < n; i++)
             read.push_back(coord(book_move_to_move(entries[i].move)) + ":" + std::to_string(entries[i].weight));
         EXPECT_EQ(read, expected) << line;
-
         Move m = 0;
-        std::string text = probe_text(&game->pos, book, &m);
-        positions++;
+        std::string text = probe(book, &m);
         if (expected.empty()) {
-            EXPECT_EQ(m, 0) << line;
-            EXPECT_EQ(text, "") << line;
+            EXPECT_EQ(text + std::to_string(m), "0") << line;
             continue;
         }
         found++;
-        std::string listing = "info string ( book moves are: ";
-        for (const std::string& l : listed)
-            listing += l + " ";
         EXPECT_EQ(text, listing + " )\n") << line;
-        ASSERT_NE(m, 0) << line;
-        EXPECT_NE(std::find(listed.begin(), listed.end(), coord(m)), listed.end()) << line;
+        EXPECT_NE(listing.find(" " + coord(m) + " "), std::string::npos) << line;
     }
     EXPECT_EQ(positions, 200);
     EXPECT_GT(found, 50);
 }
 
 // A small book that follows one line, one black reply per position, the
-// last an under-promotion to a knight.
+// last an under-promotion to a knight, listed by the console in its own form.
 TEST_F(BookFiles, LaskerTrapLineExactly)
 {
     std::string book = data_path("books/lasker-trap.bin");
-    set_test_position(game, START_FEN);
     const char* line[] = {"d4", "d5", "c4", "e5", "dxe5", "d4", "e3", "Bb4+", "Bd2", "dxe3", "Bxb4", "exf2+", "Ke2"};
-    const char* replies[] = {"d7d5", "e7e5", "d5d4", "f8b4", "d4e3", "e3f2", "f2g1"};
+    const char* replies[] = {"d7d5", "e7e5", "d5d4", "f8b4", "d4e3", "e3f2"};
     int reply = 0;
     for (const char* text : line) {
         Move m = 0;
-        std::string out = probe_text(&game->pos, book, &m);
+        std::string out = probe(book, &m);
         if (game->pos.side == WHITE) {
-            EXPECT_EQ(m, 0) << text;
-            EXPECT_EQ(out, "") << text;
+            EXPECT_EQ(out + std::to_string(m), "0") << text;
         } else {
-            EXPECT_EQ(out, std::string("info string ( book moves are: ") + replies[reply] + "  )\n");
-            EXPECT_EQ(coord(m), replies[reply]);
-            reply++;
+            EXPECT_EQ(out, LISTING + replies[reply] + "  )\n");
+            EXPECT_EQ(coord(m), replies[reply++]);
         }
-        play(text);
+        play({text});
     }
-    // The last reply promotes to a knight; the console lists it in its own form.
     Move m = 0;
-    std::string out = probe_text(&game->pos, book, &m, 0);
+    EXPECT_EQ(probe(book, &m, true), "  f2g1=N  cnt=     2, weight= 100.00% -> 100.00%\nselecting f2g1\n");
     EXPECT_EQ(m, make_move_code(13, 6) | PROMO_KNIGHT);
-    EXPECT_EQ(out, "  f2g1=N  cnt=     2, weight= 100.00% -> 100.00%\nselecting f2g1\n");
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 0, {25, true, false}), "");
+    EXPECT_EQ(probe(book, &m, true, true), "");
     EXPECT_EQ(m, make_move_code(13, 6) | PROMO_KNIGHT) << "the quiet probe plays the same move";
-    EXPECT_EQ(reply, 6);
 }
 
-// An entry of weight 0 is listed nowhere, but as the only entry it is still
-// the fallback choice, and nothing divides by the zero total.
-TEST_F(BookFiles, OnlyEntryOfWeightZero)
+// Of a run longer than 128 entries only the first 128 count; positions
+// stored before and after the run make the search find its first entry.
+// An entry of weight 0 is listed nowhere but is still the only entry's move.
+TEST_F(BookFiles, RunsOfEntries)
 {
-    set_test_position(game, START_FEN);
-    std::string book = dir + "/zero.bin";
-    write_book(book, {{book_key(&game->pos), book_code("e2", "e4"), 0, 0}});
-    Move m = 0;
-    EXPECT_EQ(probe_text(&game->pos, book, &m), "info string ( book moves are:  )\n");
-    EXPECT_EQ(m, make_move_code(12, 28));
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 0), "selecting e2e4\n");
-    EXPECT_EQ(m, make_move_code(12, 28));
-}
-
-// Of a run longer than 128 entries only the first 128 count: the heavy
-// moves behind them are never listed or played. Positions stored before and
-// after the run make the search find the run's first entry.
-TEST_F(BookFiles, OnlyTheFirst128EntriesOfAPosition)
-{
-    set_test_position(game, START_FEN);
     uint64_t key = book_key(&game->pos);
     std::vector<BookEntry> entries;
     for (int i = 0; i < 40; i++)
@@ -191,125 +151,95 @@ TEST_F(BookFiles, OnlyTheFirst128EntriesOfAPosition)
         entries.push_back({key + 1 + uint64_t(i), book_code("d2", "d4"), 500, 0});
     std::string book = dir + "/long.bin";
     write_book(book, entries);
-
     BookEntry read[MAX_BOOK_MOVES];
     EXPECT_EQ(read_book_moves(book.c_str(), key, read), 128);
-    std::string listing = "info string ( book moves are: ";
+    std::string listing = LISTING;
     for (int i = 0; i < 128; i++)
         listing += i % 2 ? "a2a3 " : "h2h3 ";
     for (int round = 0; round < 20; round++) {
         Move m = 0;
-        EXPECT_EQ(probe_text(&game->pos, book, &m), listing + " )\n");
-        EXPECT_TRUE(m == make_move_code(8, 16) || m == make_move_code(15, 23)) << coord(m);
+        EXPECT_EQ(probe(book, &m), listing + " )\n");
+        EXPECT_TRUE(coord(m) == "a2a3" || coord(m) == "h2h3") << coord(m);
     }
+    write_book(book, {{key, book_code("e2", "e4"), 0, 0}});
+    Move m = 0;
+    EXPECT_EQ(probe(book, &m), LISTING + " )\n");
+    EXPECT_EQ(probe(book, &m, true), "selecting e2e4\n");
+    EXPECT_EQ(coord(m), "e2e4");
 }
 
-// A file cut inside an entry is read as if cut to the last whole entry: the
-// damaged entry is lost, the others are found; trailing bytes after whole
-// entries change nothing. Files too short, empty, missing or not files at
-// all give no move and no output.
+// A file cut inside an entry is read as if cut to the last whole entry;
+// trailing bytes change nothing; files too short, empty, missing or not
+// files at all give no move and no output.
 TEST_F(BookFiles, CutAndMissingFiles)
 {
-    std::string whole = read_bytes(data_path("books/lasker-trap.bin"));
+    std::ifstream in(data_path("books/lasker-trap.bin"), std::ios::binary);
+    std::string whole((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     ASSERT_EQ(whole.size(), 112u);
     auto write_raw = [&](const std::string& name, const std::string& bytes) {
         std::ofstream(dir + "/" + name, std::ios::binary) << bytes;
         return dir + "/" + name;
     };
-    std::string cut = write_raw("cut.bin", whole.substr(0, 112 - 5));
-    std::string longer = write_raw("longer.bin", whole + "garbage");
-    std::string tiny = write_raw("tiny.bin", whole.substr(0, 15));
-    std::string empty = write_raw("empty.bin", "");
-
+    std::string cut = write_raw("cut.bin", whole.substr(0, 112 - 5)), longer = write_raw("longer.bin", whole + "junk");
     // The last entry of the file (largest key) answers 4. e3 with Bb4+.
-    set_test_position(game, START_FEN);
-    for (const char* text : {"d4", "d5", "c4", "e5", "dxe5", "d4", "e3"})
-        play(text);
+    play({"d4", "d5", "c4", "e5", "dxe5", "d4", "e3"});
     Move m = 0;
-    EXPECT_EQ(probe_text(&game->pos, longer, &m), "info string ( book moves are: f8b4  )\n");
+    EXPECT_EQ(probe(longer, &m), LISTING + "f8b4  )\n");
     EXPECT_EQ(coord(m), "f8b4");
-    EXPECT_EQ(probe_text(&game->pos, cut, &m), "");
-    EXPECT_EQ(m, 0);
-    // The entry in front of it survives the cut.
+    EXPECT_EQ(probe(cut, &m) + std::to_string(m), "0");
     set_test_position(game, START_FEN);
-    play("d4");
-    EXPECT_EQ(probe_text(&game->pos, cut, &m), "info string ( book moves are: d7d5  )\n");
-    EXPECT_EQ(coord(m), "d7d5");
-
-    for (const std::string& file : {tiny, empty, dir + "/missing.bin", dir, std::string()}) {
-        EXPECT_EQ(probe_text(&game->pos, file, &m), "") << file;
-        EXPECT_EQ(m, 0) << file;
-    }
+    play({"d4"});
+    EXPECT_EQ(probe(cut, &m), LISTING + "d7d5  )\n"); // the entry in front survives
+    for (const std::string& file :
+         {write_raw("tiny.bin", whole.substr(0, 15)), write_raw("empty.bin", ""), dir + "/missing.bin", dir, std::string()})
+        EXPECT_EQ(probe(file, &m) + std::to_string(m), "0") << file;
 }
 
-// A chosen move that the position cannot play gives no move; the listing
-// still shows what the book said. Castling is recognised by its squares
-// alone, so a rook on e1 "castles" to g1.
+// A chosen move the position cannot play gives no move; the listing still
+// shows what the book said. Castling is recognised by its squares alone,
+// so a rook on e1 "castles" to g1 unless g1 is taken.
 TEST_F(BookFiles, MovesThatDoNotFit)
 {
-    set_test_position(game, START_FEN);
-    uint64_t key = book_key(&game->pos);
     std::string book = dir + "/wrong.bin";
-    write_book(book, {{key, book_code("e7", "e5"), 10, 0}});
+    write_book(book, {{book_key(&game->pos), book_code("e7", "e5"), 10, 0}});
     Move m = 1;
-    EXPECT_EQ(probe_text(&game->pos, book, &m), "info string ( book moves are: e7e5  )\n");
-    EXPECT_EQ(m, 0);
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 0), "  e7e5  cnt=    10, weight= 100.00% -> 100.00%\nselecting e7e5\n");
-    EXPECT_EQ(m, 0);
-
+    EXPECT_EQ(probe(book, &m) + std::to_string(m), LISTING + "e7e5  )\n0");
+    EXPECT_EQ(probe(book, &m, true), "  e7e5  cnt=    10, weight= 100.00% -> 100.00%\nselecting e7e5\n");
     set_test_position(game, "k7/8/8/8/8/8/8/K3R3 w - -");
     write_book(book, {{book_key(&game->pos), book_code("e1", "h1"), 1, 0}});
-    EXPECT_EQ(probe_text(&game->pos, book, &m), "info string ( book moves are: e1g1  )\n");
+    EXPECT_EQ(probe(book, &m), LISTING + "e1g1  )\n");
     EXPECT_EQ(m, make_move_code(4, 6));
     set_test_position(game, "k7/8/8/8/8/8/8/K3R1B1 w - -");
     write_book(book, {{book_key(&game->pos), book_code("e1", "h1"), 1, 0}});
-    EXPECT_EQ(probe_text(&game->pos, book, &m, 1, {25, true, false}), "");
-    EXPECT_EQ(m, 0) << "g1 is taken by the rook's own side";
+    EXPECT_EQ(probe(book, &m, false, true) + std::to_string(m), "0");
 }
 
 // The roulette: an entry wins when the threshold lies strictly above the
-// running sum in front of it; weight-0 entries never win except as the
-// first-entry fallback; variety moves weight towards or away from the
-// first entry, and a move pushed below zero cannot win.
+// running sum in front of it; variety moves weight towards or away from the
+// first entry (three quarters of its weight at 100), and a move pushed
+// below zero or of weight 0 never wins, except as the first-entry fallback.
 TEST(BookRoulette, ThresholdsAndVariety)
 {
     BookEntry e[3] = {{1, 0, 60, 0}, {1, 0, 30, 0}, {1, 0, 10, 0}};
     BookRoulette r;
-    auto pick = [&](int variety, uint32_t draw) {
-        spin_book_roulette(e, 3, variety, draw, &r);
+    auto pick = [&](const BookEntry* entries, int variety, uint32_t draw) {
+        spin_book_roulette(entries, 3, variety, draw, &r);
         return r.selected;
     };
-    EXPECT_EQ(pick(25, 0), 0);
-    EXPECT_EQ(pick(25, 600), 0);
-    EXPECT_EQ(pick(25, 601), 1);
-    EXPECT_EQ(pick(25, 900), 1);
-    EXPECT_EQ(pick(25, 901), 2);
-    EXPECT_EQ(r.total, 100);
-    EXPECT_EQ(r.sum, 10000);
-
-    // Variety 100 adds 45 (three quarters of the first weight) to each.
-    EXPECT_EQ(pick(100, 500), 1);
-    EXPECT_EQ(r.adjusted[0], 10500);
-    EXPECT_EQ(r.adjusted[2], 5500);
-    EXPECT_EQ(r.sum, 23500);
-    EXPECT_EQ(pick(100, 766), 2); // 18001 > 18000
-
-    // Variety 0 takes 15 away: the last move drops to nothing.
-    EXPECT_EQ(pick(0, 999), 1);
-    EXPECT_EQ(r.adjusted[2], 0);
-    EXPECT_EQ(r.sum, 6000);
-
+    const std::pair<uint32_t, int> draws[] = {{0, 0}, {600, 0}, {601, 1}, {900, 1}, {901, 2}};
+    for (auto [draw, selected] : draws)
+        EXPECT_EQ(pick(e, 25, draw), selected) << draw;
+    EXPECT_EQ(std::tie(r.total, r.sum), std::make_tuple(100, 10000));
+    EXPECT_EQ(pick(e, 100, 500), 1);
+    EXPECT_EQ(std::tie(r.adjusted[0], r.adjusted[2], r.sum), std::make_tuple(10500, 5500, 23500));
+    EXPECT_EQ(pick(e, 100, 766), 2); // 18001 > 18000
+    EXPECT_EQ(pick(e, 0, 999), 1);
+    EXPECT_EQ(std::tie(r.adjusted[2], r.sum), std::make_tuple(0, 6000));
     BookEntry z[3] = {{1, 0, 0, 0}, {1, 0, 50, 0}, {1, 0, 50, 0}};
-    spin_book_roulette(z, 3, 25, 0, &r);
-    EXPECT_EQ(r.selected, 0) << "nothing qualifies at threshold 0";
-    spin_book_roulette(z, 3, 25, 500, &r);
-    EXPECT_EQ(r.selected, 1);
-    spin_book_roulette(z, 3, 25, 501, &r);
-    EXPECT_EQ(r.selected, 2);
-    for (uint32_t d = 1; d < 1000; d++) {
-        spin_book_roulette(z, 3, 25, d, &r);
-        EXPECT_NE(r.selected, 0) << d;
-    }
+    EXPECT_EQ(pick(z, 25, 0), 0) << "nothing qualifies at threshold 0";
+    EXPECT_EQ(pick(z, 25, 500), 1);
+    for (uint32_t d = 501; d < 1000; d++)
+        ASSERT_EQ(pick(z, 25, d), 2) << d;
 }
 
 // Castling is stored as the king taking its rook, promotion pieces 1..4

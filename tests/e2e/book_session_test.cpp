@@ -65,24 +65,6 @@ TEST(BookSession, GoPlaysTheBookMove)
     EXPECT_EQ(e.quit(), 0);
 }
 
-// Pondering never takes a book move: the search runs and reports only
-// when told to stop.
-TEST(BookSession, PonderNeverTakesABookMove)
-{
-    EngineProcess e;
-    start_uci(e);
-    e.send_line("position startpos moves d2d4");
-    e.send_line("go ponder wtime 60000 btime 60000");
-    e.send_line("isready");
-    std::vector<std::string> seen;
-    EXPECT_NE(e.wait_for("readyok", 10000, &seen), "");
-    e.send_line("stop");
-    EXPECT_NE(e.wait_for("bestmove", 10000, &seen), "");
-    EXPECT_FALSE(has_line_starting(seen, "info string ( book moves"));
-    EXPECT_FALSE(has_line_starting(seen, "info string book move"));
-    EXPECT_EQ(e.quit(), 0);
-}
-
 // Options decide when each book is asked: OwnBook itself, the depth of the
 // first book, the second book with its own depth (0 by default).
 TEST(BookSession, BookOptionsAndTheSecondBook)

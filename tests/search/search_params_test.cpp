@@ -50,13 +50,6 @@ TEST(SearchParams, SelectivityShapesEveryDevice)
     build_search_params();
 }
 
-TEST(SearchParams, HelperDepths)
-{
-    // With 8 threads a helper at depth 10 moves on when five are there already.
-    EXPECT_EQ(helper_depth(10, 5, 8), 11);
-    EXPECT_EQ(helper_depth(10, 4, 8), 10);
-}
-
 TEST(SearchParams, NullMoveBudgetAndAspirationBounds)
 {
     // Below iteration 10 only a path without a null move may try one.

@@ -174,25 +174,6 @@ TEST_F(TransTableTest, ClearingInSlicesLeavesNothing)
     }
 }
 
-// A table that cannot be had leaves the one in use as it was.
-TEST_F(TransTableTest, AFailedResizeKeepsTheTable)
-{
-    store_key(0x1234567890ABCDEFULL, 7, 55);
-    struct rlimit saved;
-    getrlimit(RLIMIT_AS, &saved);
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizers reserve more address space than the limit allows";
-#endif
-    struct rlimit tight = saved;
-    tight.rlim_cur = 8ULL << 30;
-    ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
-    int got = tt_allocate(16384);
-    setrlimit(RLIMIT_AS, &saved);
-    EXPECT_EQ(got, 0);
-    EXPECT_EQ(tt_megabytes(), 1);
-    EXPECT_EQ(probe_key(0x1234567890ABCDEFULL).score, 55);
-}
-
 // A new table is written whole when the engine allocates it, so that the
 // first search does not pay for faulting its pages in (with huge pages,
 // most of a short first move).

@@ -50,87 +50,55 @@ TEST(TbProbe, EveryProbeAnswerMatches)
     EXPECT_EQ(wrong_dtz, 0);
 }
 
-TEST(TbProbe, CastlingRightsAreNeverProbed)
+// Refusals that keep the search's probes cheap and right: castling rights,
+// nodes shallower than the probe depth of their size (six men, named here
+// only, report a corrupt table once reached), and empty paths.
+TEST(TbProbe, Refusals)
 {
     tb_init(shared_tables().c_str());
     default_depths();
     TestBoard board;
-    Position* pos = board.set("4k3/8/8/8/8/8/8/R3K3 w - -");
-    EXPECT_EQ(tb_probe_wdl(pos, 50), 4);
-    pos = board.set("4k3/8/8/8/8/8/8/R3K3 w Q -");
-    ASSERT_NE(pos->castling, 0);
-    EXPECT_EQ(tb_probe_wdl(pos, 50), -1);
+    EXPECT_EQ(tb_probe_wdl(board.set("4k3/8/8/8/8/8/8/R3K3 w - -"), 50), 4);
+    Position* pos = board.set("4k3/8/8/8/8/8/8/R3K3 w Q -");
     Move move = 1;
-    EXPECT_EQ(tb_probe_root(pos, &move), -1);
-    EXPECT_EQ(move, 0);
     int wdl, dtz;
+    EXPECT_EQ(tb_probe_wdl(pos, 50), -1);
+    EXPECT_EQ(tb_probe_root(pos, &move) + move, -1);
     EXPECT_FALSE(tb_probe_full(pos, &wdl, &dtz));
-}
 
-TEST(TbProbe, ShallowSearchNodesAreNotProbed)
-{
-    tb_init(shared_tables().c_str());
-    TestBoard board;
-    Position* pos = board.set("8/8/8/8/8/2k5/8/KQ6 b - -");
+    pos = board.set("8/8/8/8/8/2k5/8/KQ6 b - -");
     tb_set_probe_depths(3, 1);
     EXPECT_EQ(tb_probe_wdl(pos, 2), -1);
     EXPECT_EQ(tb_probe_wdl(pos, 3), 0);
     tb_set_probe_depths(-5, 1);
     EXPECT_EQ(tb_probe_wdl(pos, -5), 0);
     EXPECT_EQ(tb_probe_wdl(pos, -6), -1);
-    default_depths();
-}
 
-// Six-man tables are only named here (the shared set stops at four men):
-// a probe that reaches one reports it corrupt, a probe refused before
-// stays silent.
-TEST(TbProbe, SixMenWaitForTheirOwnDepth)
-{
     std::string dir = directory_with({"KQvK.rtbw", "KQvK.rtbz"});
     write_file(dir + "/KQRvKQR.rtbw", std::vector<uint8_t>(64, 0));
     tb_init(dir.c_str());
     ASSERT_EQ(tb_largest, 6u);
-    TestBoard board;
-    // No captures, so the probe goes straight to the six-man table.
-    Position* six = board.set("7k/5q2/3r4/8/8/4R3/2Q5/K7 w - -");
+    Position* six = board.set("7k/5q2/3r4/8/8/4R3/2Q5/K7 w - -"); // no captures: straight to the table
     tb_set_probe_depths(0, 100);
     testing::internal::CaptureStderr();
     EXPECT_EQ(tb_probe_wdl(six, 99), -1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     testing::internal::CaptureStderr();
     EXPECT_EQ(tb_probe_wdl(six, 100), -1);
+    EXPECT_EQ(tb_probe_root(six, &move), -1); // the root is probed whatever the depths
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
-
-    // The root is probed whatever the depths say.
-    tb_init(dir.c_str());
-    testing::internal::CaptureStderr();
-    Move move;
-    EXPECT_EQ(tb_probe_root(six, &move), -1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
-
-    // Fewer men still answer at depth 0.
-    Position* three = board.set("8/8/8/8/8/2k5/8/KQ6 w - -");
-    EXPECT_EQ(tb_probe_wdl(three, 0), 4);
+    EXPECT_EQ(tb_probe_wdl(board.set("8/8/8/8/8/2k5/8/KQ6 w - -"), 0), 4);
     default_depths();
-    tb_init("");
     remove_directory(dir);
-}
 
-TEST(TbProbe, EmptyPathsFindNothing)
-{
-    TestBoard board;
-    Position* pos = board.set("8/8/8/8/8/2k5/8/KQ6 w - -");
     for (const char* path : {"", "<empty>"}) {
         tb_init(shared_tables().c_str());
-        ASSERT_EQ(tb_probe_wdl(pos, 10), 4);
         testing::internal::CaptureStdout();
         tb_init(path);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << path;
         EXPECT_EQ(tb_largest, 0u);
         EXPECT_EQ(tb_probe_wdl(pos, 10), -1);
-        Move move;
-        EXPECT_EQ(tb_probe_root(pos, &move), -1);
-        EXPECT_EQ(move, 0);
+        EXPECT_EQ(tb_probe_root(pos, &move) + move, -1);
     }
 }
 

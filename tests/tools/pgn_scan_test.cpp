@@ -6,6 +6,7 @@
 #include "board/notation.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
+#include "support/tool_run.h"
 #include "tools/pgn_comment.h"
 #include "tools/pgn_epd.h"
 #include "tools/pgn_scan.h"
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
@@ -29,17 +31,7 @@ const char* const MOVES_42 = "e4 d6 d4 Nf6 Nc3 e5 Nf3 Nbd7 Bc4 Be7 O-O O-O a4 c6
 std::vector<std::string> words(const std::string& text)
 {
     std::istringstream in(text);
-    std::vector<std::string> out;
-    for (std::string w; in >> w;)
-        out.push_back(w);
-    return out;
-}
-
-std::vector<std::string> first_moves(int n)
-{
-    std::vector<std::string> all = words(MOVES_42);
-    all.resize(size_t(n));
-    return all;
+    return {std::istream_iterator<std::string>(in), std::istream_iterator<std::string>()};
 }
 
 // Tags (each "Name \"value\"") and the moves with a comment for each ply.
@@ -84,15 +76,6 @@ Replayed replay(const std::vector<std::string>& moves)
     return r;
 }
 
-std::vector<std::string> file_lines(const std::string& path)
-{
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    for (std::string l; std::getline(in, l);)
-        lines.push_back(l);
-    return lines;
-}
-
 struct Scan {
     std::string dir = make_temp_dir();
     int positions = 0;
@@ -101,8 +84,8 @@ struct Scan {
     {
         std::ofstream(dir + "/in.pgn") << pgn;
         positions = scan_pgn_files((dir + "/in.pgn").c_str(), variant, (dir + "/out").c_str(), (dir + "/side").c_str());
-        out = file_lines(dir + "/out");
-        side = file_lines(dir + "/side");
+        out = read_lines(dir + "/out");
+        side = read_lines(dir + "/side");
     }
     ~Scan() { std::filesystem::remove_all(dir); }
 };
@@ -118,7 +101,7 @@ std::string pawns(int centipawns)
 
 TEST(PgnScan, TrainingLabelsAreTheMoversOwn)
 {
-    std::vector<std::string> moves = first_moves(42);
+    std::vector<std::string> moves = words(MOVES_42);
     auto comment = [](int i) -> std::string {
         if (i == 20)
             return "book";
@@ -146,7 +129,7 @@ TEST(PgnScan, TrainingLabelsAreTheMoversOwn)
 
 TEST(PgnScan, ListingMarksAMistakeAndItsRefutation)
 {
-    std::vector<std::string> moves = first_moves(42);
+    std::vector<std::string> moves = words(MOVES_42);
     // Ply 20 lets the opponent's view rise from 0 to 1.00 one, three and
     // seven plies later: a mistake, refuted by ply 21.
     auto comment = [](int i) -> std::string {
@@ -194,47 +177,31 @@ TEST(PgnScan, OpeningPositionsEndAtTheFirstLargeEvaluation)
     EXPECT_EQ(book.out, (std::vector<std::string>{r.fens[0] + " bm e4; ce -30000;", ""}));
 }
 
+// A mistake: a calm position (view e within -999..249) that the opponent's
+// view rises above by t (a tenth of |e|) plus 30 one and three plies later
+// and plus 50 seven plies later; only between ply 13 and n - 11.
 TEST(PgnScan, MistakeNeedsCalmStartAndLastingRise)
 {
-    PgnPly plies[40];
-    auto set = [&](std::vector<int> evals) {
-        for (int i = 0; i < 40; i++)
-            plies[i].eval = int16_t(i < int(evals.size()) ? evals[size_t(i)] : 0);
+    PgnPly plies[41];
+    auto mistake = [&](int e, int r1, int r3, int r7, int ply = 20, int n = 40) {
+        for (PgnPly& p : plies)
+            p.eval = 0;
+        plies[ply - 1].eval = int16_t(e);
+        plies[ply + 1].eval = int16_t(r1), plies[ply + 3].eval = int16_t(r3), plies[ply + 7].eval = int16_t(r7);
+        return is_mistake(plies, n, ply);
     };
-    // e = 0 at ply 19: rises of 31, 31 and 51 mark ply 20; one less each does not.
-    std::vector<int> e(40, 0);
-    e[21] = 31, e[23] = 31, e[27] = 51;
-    set(e);
-    EXPECT_TRUE(is_mistake(plies, 40, 20));
-    EXPECT_FALSE(is_mistake(plies, 40, 18));
-    for (int p : {21, 23, 27}) {
-        std::vector<int> less = e;
-        less[size_t(p)]--;
-        set(less);
-        EXPECT_FALSE(is_mistake(plies, 40, 20)) << p;
-    }
-    // The margin grows with the size of e: at e = 200, t = 20.
-    e[19] = 200, e[21] = 251, e[23] = 251, e[27] = 271;
-    set(e);
-    EXPECT_TRUE(is_mistake(plies, 40, 20));
-    e[19] = 250, e[21] = e[23] = e[27] = 900; // beyond 249: the position was not calm
-    set(e);
-    EXPECT_FALSE(is_mistake(plies, 40, 20));
-    e[19] = 0, e[21] = e[23] = 100, e[27] = NO_EVAL; // the later view must exist
-    set(e);
-    EXPECT_FALSE(is_mistake(plies, 40, 20));
-    // Only between ply 13 and n - 11.
-    std::vector<int> early(40, 0);
-    early[13] = early[15] = early[19] = 100;
-    set(early);
-    EXPECT_FALSE(is_mistake(plies, 40, 12));
-    std::vector<int> first(40, 0);
-    first[14] = first[16] = first[20] = 100;
-    set(first);
-    EXPECT_TRUE(is_mistake(plies, 40, 13));
-    std::vector<int> late(40, 0);
-    late[31] = late[33] = late[37] = 100;
-    set(late);
-    EXPECT_FALSE(is_mistake(plies, 40, 30));
-    EXPECT_TRUE(is_mistake(plies, 41, 30));
+    EXPECT_TRUE(mistake(0, 31, 31, 51));
+    EXPECT_FALSE(mistake(0, 30, 31, 51));
+    EXPECT_FALSE(mistake(0, 31, 30, 51));
+    EXPECT_FALSE(mistake(0, 31, 31, 50));
+    EXPECT_TRUE(mistake(200, 251, 251, 271)); // t = 20 at e = 200
+    EXPECT_FALSE(mistake(200, 250, 251, 271));
+    EXPECT_TRUE(mistake(-600, -509, -509, -489)); // t = 60
+    EXPECT_FALSE(mistake(-600, -510, -509, -489));
+    EXPECT_FALSE(mistake(250, 900, 900, 900)); // not calm
+    EXPECT_FALSE(mistake(0, 100, 100, NO_EVAL)); // the later view must exist
+    EXPECT_FALSE(mistake(0, 100, 100, 100, 12));
+    EXPECT_TRUE(mistake(0, 100, 100, 100, 13));
+    EXPECT_FALSE(mistake(0, 100, 100, 100, 30, 40));
+    EXPECT_TRUE(mistake(0, 100, 100, 100, 30, 41));
 }

@@ -103,31 +103,6 @@ TEST_F(ThreadStorm, PonderEndsWithPonderhitOrStop)
     expect_start_position_replies(replies);
 }
 
-TEST_F(ThreadStorm, IsreadyIsAnsweredWhileTheThreadsSearch)
-{
-    send("go infinite");
-    const int count = 60;
-    for (int i = 0; i < count; i++) {
-        send("isready");
-        session_rounds(1 + i % 3);
-    }
-    session_until_idle(4); // the last isready is read before stop
-    send("stop");
-    ASSERT_TRUE(session_until_idle(PATIENCE));
-    std::vector<std::string> lines = output();
-    EXPECT_EQ(starting_with(lines, "readyok").size(), size_t(count));
-    ASSERT_EQ(starting_with(lines, "bestmove").size(), 1u);
-    // Every readyok came while the search still ran, before its report.
-    size_t last_ready = 0, report = 0;
-    for (size_t i = 0; i < lines.size(); i++) {
-        if (lines[i] == "readyok")
-            last_ready = i;
-        if (lines[i].rfind("bestmove", 0) == 0)
-            report = i;
-    }
-    EXPECT_LT(last_ready, report);
-}
-
 TEST_F(ThreadStorm, ThreadsAndClearHashChangeBetweenSearches)
 {
     const int threads[] = {8, 1, 3, 8, 2, 5, 1, 8};
