@@ -1,4 +1,3 @@
-#include "fuzz_support.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,3 @@
-#include "session_script.h"
 
 #include "board/fen.h"
 #include "board/makemove.h"
@@ -11,7 +10,6 @@
 #include "search/limits.h"
 #include "search/threads.h"
 #include "support/engine_session.h"
-#include "uci/game.h"
 #include "uci/option_table.h"
 
 #include <cstdio>

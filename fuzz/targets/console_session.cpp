@@ -3,7 +3,6 @@
 // position editor, the tools, settings, loading and saving, and the switch
 // to UCI.
 // fuzz-test-runs: 100
-#include "fuzz_support.h"
 #include "session_script.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)

@@ -16,11 +16,9 @@
 #include "board/notation.h"
 #include "board/position_check.h"
 #include "board/see.h"
-#include "board/zobrist.h"
 #include "eval/eval_cache.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
-#include "fuzz_input.h"
 #include "fuzz_support.h"
 
 #include <cstring>

@@ -10,16 +10,11 @@
 // fuzz-test-runs: 4000
 #include "board/fen.h"
 #include "board/legality.h"
-#include "board/makemove.h"
-#include "board/movegen.h"
-#include "board/position_check.h"
 #include "board/zobrist.h"
-#include "book/book_entry.h"
 #include "book/book_key.h"
 #include "book/book_probe.h"
 #include "fuzz_input.h"
 #include "fuzz_support.h"
-#include "output/output.h"
 
 #include <algorithm>
 #include <cstdio>

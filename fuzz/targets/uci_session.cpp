@@ -2,7 +2,6 @@
 // positions, searches, option changes, ponder, stop and quit, with real
 // search threads, lines split and merged across reads, and raw text.
 // fuzz-test-runs: 150
-#include "fuzz_support.h"
 #include "session_script.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)

@@ -1,6 +1,5 @@
 #include "board/epd.h"
 #include "board/fen.h"
-#include "board/position_check.h"
 #include "support/test_positions.h"
 
 #include <cstring>

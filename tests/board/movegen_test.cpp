@@ -2,7 +2,6 @@
 #include "board/fen.h"
 #include "board/legality.h"
 #include "board/makemove.h"
-#include "board/movegen.h"
 #include "support/test_positions.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,4 @@
-#include "board/fen.h"
-#include "board/movegen.h"
 #include "board/notation.h"
-#include "output/output.h"
 #include "support/test_positions.h"
 
 #include <algorithm>

@@ -7,7 +7,6 @@
 #include "board/legality.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
-#include "board/zobrist.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

@@ -1,13 +1,10 @@
 #include "board/fen.h"
 #include "board/makemove.h"
-#include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_builder.h"
 #include "book/book_entry.h"
 #include "book/book_key.h"
-#include "support/engine_process.h"
 #include "support/game_and_dir_fixture.h"
-#include "support/test_positions.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,5 @@
 #include "board/fen.h"
 #include "board/makemove.h"
-#include "board/movegen.h"
 #include "board/notation.h"
 #include "book/book_key.h"
 #include "support/engine_process.h"

@@ -1,7 +1,6 @@
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/notation.h"
-#include "book/book_entry.h"
 #include "book/book_key.h"
 #include "book/book_probe.h"
 #include "support/game_and_dir_fixture.h"

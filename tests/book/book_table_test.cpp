@@ -2,8 +2,8 @@
 // (three quarters of 65,536 places) and with keys that share their low bits.
 #include "book/book_table.h"
 
-#include <gtest/gtest.h>
 #include <array>
+#include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <vector>

@@ -1,5 +1,4 @@
 // Book moves through the real binary, driven as an interface drives it.
-#include "board/fen.h"
 #include "book/book_entry.h"
 #include "book/book_key.h"
 #include "support/engine_process.h"

@@ -2,7 +2,6 @@
 // and that the labels follow the side to move of the written position.
 #include "board/fen.h"
 #include "support/engine_process.h"
-#include "support/test_positions.h"
 #include "support/tool_run.h"
 
 #include <filesystem>

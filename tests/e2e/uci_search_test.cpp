@@ -1,11 +1,8 @@
 // Searches driven over pipes the way an interface drives them.
-#include "board/attack_queries.h"
 #include "board/draw.h"
 #include "board/fen.h"
 #include "board/makemove.h"
-#include "board/movegen.h"
 #include "board/notation.h"
-#include "output/output.h"
 #include "support/engine_process.h"
 #include "search/timeman.h"
 #include "support/test_positions.h"

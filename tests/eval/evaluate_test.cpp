@@ -1,6 +1,3 @@
-#include "board/fen.h"
-#include "eval/eval_cache.h"
-#include "eval/eval_tables.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/test_positions.h"

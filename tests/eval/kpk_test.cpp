@@ -3,7 +3,6 @@
 // say the pawn's side wins.
 #include "board/attack_queries.h"
 #include "board/fen.h"
-#include "board/position_check.h"
 #include "eval/kpk.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"

@@ -1,9 +1,5 @@
-#include "board/fen.h"
-#include "eval/eval_cache.h"
-#include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/engine_process.h"
-#include "support/test_positions.h"
 
 #include <cmath>
 #include <cstring>

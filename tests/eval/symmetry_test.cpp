@@ -1,6 +1,4 @@
-#include "board/fen.h"
 #include "board/notation.h"
-#include "eval/eval_cache.h"
 #include "eval/evaluate.h"
 #include "eval/params.h"
 #include "support/test_positions.h"

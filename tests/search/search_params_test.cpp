@@ -1,5 +1,3 @@
-#include "search/iterate.h"
-#include "search/search_config.h"
 #include "search/search_params.h"
 #include "uci/settings.h"
 

@@ -1,8 +1,6 @@
 #include "board/notation.h"
 #include "search/limits.h"
 #include "search/search_params.h"
-#include "search/search_thread.h"
-#include "search/threads.h"
 #include "support/search_harness.h"
 #include "search/search_config.h"
 

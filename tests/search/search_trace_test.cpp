@@ -1,5 +1,3 @@
-#include "board/types.h"
-#include "search/search_thread.h"
 #include "search/search_trace.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"

@@ -2,7 +2,6 @@
 // without searching once the fifty-move count has grown, the helpers that
 // stay idle on a tablebase root, and the win scores the probes give below a
 // root outside the tables.
-#include "search/limits.h"
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "support/engine_process.h"

@@ -1,4 +1,3 @@
-#include "board/fen.h"
 #include "search/limits.h"
 #include "search/search_config.h"
 #include "search/timeman.h"

@@ -1,4 +1,3 @@
-#include "board/fen.h"
 #include "search/tt.h"
 #include "uci/options.h"
 #include "support/test_positions.h"

@@ -1,7 +1,6 @@
 #include "tablebase/tb_fixtures.h"
 
 #include "board/fen.h"
-#include "board/position_check.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 

@@ -1,7 +1,6 @@
 // Scoring the engine's move against a test suite's answers, from the EPD
 // line through the splitter as the suite tool reads it.
 #include "board/epd.h"
-#include "board/fen.h"
 #include "board/notation.h"
 #include "support/test_positions.h"
 #include "tools/epd_scoring.h"

@@ -1,4 +1,3 @@
-#include "board/fen.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 #include "tools/label_games.h"

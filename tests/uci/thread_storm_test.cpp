@@ -5,13 +5,11 @@
 // see; under ThreadSanitizer (make tsan) they also show that the threads
 // share nothing they should not.
 #include "board/fen.h"
-#include "board/movegen.h"
 #include "board/notation.h"
 #include "search/threads.h"
 #include "support/engine_session.h"
 #include "support/test_positions.h"
 #include "support/tool_run.h"
-#include "uci/game.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
