@@ -1,9 +1,7 @@
 // One fuzz input played as a whole session of the engine's command loop, in
-// process, with real search threads: the bytes either are the session's
-// text, written in chunks of varying size, or steer a generator of commands
-// (positions with real and broken moves, small searches, every option with
-// values around its range, ponder and stop, the console's tools), with
-// lines split and merged across reads.
+// process, with real search threads: the input is the session's text,
+// written in chunks of varying size with rounds of the loop between them,
+// so that lines are split and merged across reads.
 //
 // Whatever the input, the session must end: once the input is spent a UCI
 // session is sent "stop" and must come to rest, and the end of standard

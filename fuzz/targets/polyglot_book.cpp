@@ -13,7 +13,6 @@
 #include "board/zobrist.h"
 #include "book/book_key.h"
 #include "book/book_probe.h"
-#include "fuzz_input.h"
 #include "fuzz_support.h"
 
 #include <algorithm>
@@ -63,7 +62,7 @@ void rekey(std::vector<unsigned char>* book, uint64_t key, bool sorted)
             (*book)[i * BOOK_ENTRY_SIZE + size_t(b)] = uint8_t(keys[i] >> (56 - 8 * b));
 }
 
-void check_entries(uint64_t key, FuzzInput* in)
+void check_entries(uint64_t key, int variety, uint32_t draw)
 {
     BookEntry entries[MAX_BOOK_MOVES];
     int count = read_book_moves(BOOK_FILE, key, entries);
@@ -77,7 +76,7 @@ void check_entries(uint64_t key, FuzzInput* in)
     BookRoulette r;
     if (count == 0)
         return;
-    spin_book_roulette(entries, count, take_range(in, 0, 100), uint32_t(take_range(in, 0, 999)), &r);
+    spin_book_roulette(entries, count, variety, draw, &r);
     if (r.selected < 0 || r.selected >= count || r.sum < 0 || r.total < 0)
         fuzz_fail("the roulette chose no entry or summed below zero");
 }
@@ -108,20 +107,20 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     // Header: the position (one of the fixed ones, or a FEN line that
-    // follows), then the options; the rest is the book.
-    FuzzInput in{data, size, 0};
-    int which = take_range(&in, 0, FEN_COUNT);
-    int flags = take_byte(&in);
-    int variety = take_range(&in, 0, 100);
-    std::string line = which < FEN_COUNT ? FENS[which] : take_line(&in, 100);
-    const char* text = line.c_str();
+    // follows), the flags and the variety; the rest is the book.
+    if (size < 3)
+        return 0;
+    int which = data[0] % (FEN_COUNT + 1), flags = data[1], variety = data[2] % 101;
+    size_t used = 3;
+    std::string line = which < FEN_COUNT ? FENS[which] : "";
+    while (which == FEN_COUNT && used < size && data[used] != '\n' && line.size() < 100)
+        line += char(data[used++]);
     Position* pos = game_init(&game);
-    set_position(pos, text);
+    set_position(pos, line.c_str());
     if (position_problem(pos))
-        set_position(game_init(&game), START_FEN);
-    pos = &game.pos;
+        set_position(pos, START_FEN);
 
-    std::vector<unsigned char> book(data + in.used, data + size);
+    std::vector<unsigned char> book(data + used, data + size);
     if (flags & 1)
         rekey(&book, book_key(pos), flags & 2);
     FILE* f = std::fopen(BOOK_FILE, "wb");
@@ -134,9 +133,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     bool console = !(flags >> 2 & 1);
     check_probe(pos, {variety, bool(flags & 8), console});
     check_probe(pos, {variety, !(flags & 8), console});
-
-    FuzzInput rest{data, size, in.used};
-    check_entries(book_key(pos), &rest);
-    check_entries(fixed_keys[(flags >> 4) % FEN_COUNT], &rest);
+    uint32_t draw = uint32_t(data[size - 1] * 4 + data[size - 2]) % 1000;
+    check_entries(book_key(pos), variety, draw);
+    check_entries(fixed_keys[(flags >> 4) % FEN_COUNT], variety, draw);
     return 0;
 }

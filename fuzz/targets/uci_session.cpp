@@ -1,6 +1,6 @@
-// The UCI command loop as an interface drives it: whole sessions of
-// positions, searches, option changes, ponder, stop and quit, with real
-// search threads, lines split and merged across reads, and raw text.
+// The UCI command loop as an interface drives it, from the seeds and the
+// dictionary: whole sessions of positions, searches, option changes, ponder,
+// stop and quit, with real search threads and lines split across reads.
 // fuzz-test-runs: 150
 #include "session_script.h"
 

@@ -64,21 +64,6 @@ TEST(Console, GameWordsAndEngineMoves)
     EXPECT_NE(pgn.find("1. e4 e5 2. Nf3 Nc6"), std::string::npos) << pgn;
 }
 
-TEST(Console, SelfPlayFinishesTheGame)
-{
-    EngineProcess e({"-c"});
-    e.send_line("edit");
-    e.send_line("#");
-    e.send_line("w Kc6 Qb5");
-    e.send_line("b Ka8");
-    e.send_line(".");
-    e.send_line("depth 4");
-    EXPECT_NE(e.ask("self", "1. move "), "");
-    // Mate follows within a few moves; the last report has no move to play.
-    EXPECT_NE(e.wait_for("move= null", 30000), "");
-    EXPECT_EQ(e.quit(), 0);
-}
-
 // Words typed while the engine thinks: perft counts on a record of its
 // own (the search's position is in use); a depth holds for the searches
 // that follow, not the running one; an engine move asked for ends the old
@@ -109,28 +94,6 @@ TEST(Console, WordsTypedWhileTheEngineThinks)
         if (line.rfind("01] ", 0) == 0)
             deepest = std::max(deepest, std::atoi(line.c_str() + 4));
     EXPECT_EQ(deepest, 3);
-    EXPECT_EQ(e.quit(), 0);
-}
-
-TEST(Console, TrainingDuringSelfPlayStopsTheEngineFirst)
-{
-    // Training rewrites the evaluation on the main worker's record; while
-    // the engine played itself, both threads moved men on one position and
-    // the consistency check stopped the program.
-    std::string dir = make_temp_dir();
-    std::string lines;
-    for (int i = 0; i < 200; i++)
-        lines += i % 2 ? "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - bm Bb5; ce 30; gr 1.0;\n"
-                       : "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - bm Nf3; ce 20; gr 0.5;\n";
-    std::ofstream(dir + "/few.epd") << lines;
-    EngineProcess e({"-c"}, dir);
-    e.send_line("depth 30");
-    e.send_line("self");
-    EXPECT_NE(e.wait_for("01] 0", 20000), "");
-    for (int i = 0; i < 3; i++) {
-        e.send_line("tune few.epd 0.01 200");
-        EXPECT_NE(e.wait_for("done!", 60000), "");
-    }
     EXPECT_EQ(e.quit(), 0);
 }
 

@@ -20,30 +20,6 @@ TEST(UciSession, HandshakeReadyAndQuit)
     EXPECT_EQ(e.quit(), 0);
 }
 
-TEST(UciSession, LinesAreFramedWhateverTheWrites)
-{
-    EngineProcess e;
-    e.send("isready\nisready\n"); // two commands in one write
-    EXPECT_EQ(e.wait_for("readyok"), "readyok");
-    EXPECT_EQ(e.wait_for("readyok"), "readyok");
-
-    e.send("isre"); // one command split across two writes
-    std::string line;
-    EXPECT_FALSE(e.read_line(&line, 300)) << line;
-    e.send("ady\r\n");
-    EXPECT_EQ(e.wait_for("readyok"), "readyok");
-
-    // Binary noise, an over-long line and stray separators change nothing.
-    std::mt19937 rng(3);
-    std::string noise;
-    for (int i = 0; i < 20000; i++)
-        noise.push_back(char(rng() % 256));
-    e.send(noise + "\n" + std::string(12000, 'x') + "\nis@ready\n\r\n");
-    e.send("isready\n");
-    EXPECT_EQ(e.wait_for("readyok", 15000), "readyok");
-    EXPECT_EQ(e.quit(), 0);
-}
-
 TEST(UciSession, EndOfInputActsAsQuit)
 {
     EngineProcess e;

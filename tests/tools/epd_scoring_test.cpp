@@ -68,41 +68,25 @@ TEST(EpdScoring, AvoidMoveCountsAnyOtherMove)
     EXPECT_EQ(am_hit(&s.g->pos, "", s.move("d4")), 0);
 }
 
+// c0 lists move=points: the move played earns its points, the largest
+// value wherever it stands is what was possible; a move it does not list
+// earns nothing; without any "=" nothing at all; a huge number stays bounded.
 TEST(EpdScoring, PointsFromTheC0Operation)
 {
     Scored s(std::string(OPENING) + " bm e4; c0 \"e4=10, d4=8\"; id \"x\";");
     EXPECT_STREQ(s.f.c0, "\"e4=10,d4=8\"");
-    C0Result d4 = c0_points(&s.g->pos, s.f.c0, s.move("d4"));
-    EXPECT_EQ(d4.points, 8);
-    EXPECT_EQ(d4.possible, 10);
-    C0Result e4 = c0_points(&s.g->pos, s.f.c0, s.move("e4"));
-    EXPECT_EQ(e4.points, 10);
-    EXPECT_EQ(e4.possible, 10);
-    // A move the operand does not list still adds what was possible.
-    C0Result nf3 = c0_points(&s.g->pos, s.f.c0, s.move("Nf3"));
-    EXPECT_EQ(nf3.points, 0);
-    EXPECT_EQ(nf3.possible, 10);
-
-    // The largest value, wherever it stands; a check mark in the move.
-    C0Result largest = c0_points(&s.g->pos, "\"c4=3,Nf3=7,e4=2\"", s.move("e4"));
-    EXPECT_EQ(largest.points, 2);
-    EXPECT_EQ(largest.possible, 7);
-
-    // No "=" at all: the operation scores nothing, not even the possible points.
-    C0Result none = c0_points(&s.g->pos, "\"e4 d4\"", s.move("e4"));
-    EXPECT_EQ(none.points, 0);
-    EXPECT_EQ(none.possible, 0);
-
-    // A huge number in a broken file stays a bounded integer.
-    C0Result huge = c0_points(&s.g->pos, "e4=99999999999999999999", s.move("e4"));
-    EXPECT_GT(huge.points, 0);
-    EXPECT_EQ(huge.points, huge.possible);
-}
-
-TEST(EpdScoring, CheckMarksInC0Moves)
-{
-    Scored s("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - c0 \"Ra8+=10, Kf1=3\";");
-    C0Result r = c0_points(&s.g->pos, s.f.c0, s.move("a1a8"));
-    EXPECT_EQ(r.points, 10);
-    EXPECT_EQ(r.possible, 10);
+    auto points = [&](const char* c0, const char* move) {
+        C0Result r = c0_points(&s.g->pos, c0, s.move(move));
+        return std::make_pair(r.points, r.possible);
+    };
+    EXPECT_EQ(points(s.f.c0, "d4"), std::make_pair(8, 10));
+    EXPECT_EQ(points(s.f.c0, "e4"), std::make_pair(10, 10));
+    EXPECT_EQ(points(s.f.c0, "Nf3"), std::make_pair(0, 10));
+    EXPECT_EQ(points("\"c4=3,Nf3=7,e4=2\"", "e4"), std::make_pair(2, 7));
+    EXPECT_EQ(points("\"e4 d4\"", "e4"), std::make_pair(0, 0));
+    std::pair<int, int> huge = points("e4=99999999999999999999", "e4");
+    EXPECT_GT(huge.first, 0);
+    EXPECT_EQ(huge.first, huge.second);
+    Scored check("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - c0 \"Ra8+=10, Kf1=3\";");
+    EXPECT_EQ(c0_points(&check.g->pos, check.f.c0, check.move("a1a8")).points, 10);
 }
