@@ -19,40 +19,6 @@ Move parse(const Position* pos, const char* text)
 
 } // namespace
 
-// Every legal move of the data positions reads back from its own texts. The
-// plain SAN form may only fail where the deliberate simplification leaves it
-// ambiguous: another man of the same kind reaches the square from a
-// different file and rank.
-TEST(Notation, EveryMoveReadsBackFromItsTexts)
-{
-    Game* g = new_test_game();
-    int ambiguous = 0;
-    for (const PerftCase& c : load_perft_cases()) {
-        set_test_position(g, c.fen);
-        MoveEntry list[MAX_MOVES];
-        int n = gen_legal(&g->pos, list);
-        for (int i = 0; i < n; i++) {
-            Move m = list[i].move;
-            char coord[MOVE_TEXT_SIZE], san[MOVE_TEXT_SIZE], sf[MOVE_TEXT_SIZE], sr[MOVE_TEXT_SIZE];
-            move_texts(&g->pos, m, coord, san, sf, sr);
-            ASSERT_EQ(parse(&g->pos, coord), m) << c.fen << " " << coord;
-            if (parse(&g->pos, san) == m)
-                continue;
-            bool rival = false;
-            for (int j = 0; j < n; j++) {
-                Move o = list[j].move;
-                if (o != m && move_to(o) == move_to(m) && list[j].piece == list[i].piece
-                    && file_of(move_from(o)) != file_of(move_from(m)) && rank_of(move_from(o)) != rank_of(move_from(m)))
-                    rival = true;
-            }
-            ASSERT_TRUE(rival) << c.fen << " san " << san;
-            ambiguous++;
-        }
-    }
-    EXPECT_GT(ambiguous, 0); // the data holds such cases
-    free_test_game(g);
-}
-
 TEST(Notation, FormsOfOneMove)
 {
     Game* g = new_test_game();

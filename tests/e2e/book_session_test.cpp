@@ -130,31 +130,3 @@ TEST(BookSession, IllegalBookMoveIsSearchedInstead)
     std::filesystem::remove_all(dir);
 }
 
-// -book names the first book without switching it on; -quiet silences the
-// listing but not the book line. The console word `book` lists and chooses.
-TEST(BookSession, CommandLineAndConsole)
-{
-    EngineProcess e({"-book", LASKER, "-quiet"});
-    e.send_line("uci");
-    e.wait_for("uciok");
-    EXPECT_FALSE(has_line_starting(go_lines(e, "startpos moves d2d4", "depth 2"), "info string book move"));
-    e.send_line("setoption name OwnBook value true");
-    std::vector<std::string> seen = go_lines(e, "startpos moves d2d4", "depth 2");
-    EXPECT_EQ(std::vector<std::string>(seen.end() - 2, seen.end()),
-              (std::vector<std::string>{"info string book move is d7d5", "bestmove d7d5"}));
-    EXPECT_FALSE(has_line_starting(seen, "info string ( book moves"));
-    EXPECT_EQ(e.quit(), 0);
-
-    EngineProcess c({"-c", "-book", LASKER});
-    c.send_line("d4");
-    c.send_line("book");
-    EXPECT_EQ(c.wait_for("  d7d5"), "  d7d5  cnt=     2, weight= 100.00% -> 100.00%");
-    EXPECT_EQ(c.wait_for("selecting"), "selecting d7d5");
-    c.send_line("noise 9999");
-    c.send_line("book");
-    c.send_line("d5");
-    std::vector<std::string> lines;
-    c.wait_for("rnbqkbnr/ppp1pppp/8/3p4/3P4/8/PPP1PPPP/RNBQKBNR w KQkq", 10000, &lines);
-    EXPECT_FALSE(has_line_starting(lines, "selecting"));
-    EXPECT_EQ(c.quit(), 0);
-}

@@ -105,32 +105,13 @@ TEST_F(Evaluation, ContemptFromBothSides)
     EXPECT_EQ(with(-40, BLACK), with(40, WHITE));
 }
 
-TEST_F(Evaluation, TraceLayoutAndScaleFactors)
+// The breakdown's scale factor (opposite bishops alone with equal pawns:
+// 0.65 twice) and the pieces left hanging.
+TEST_F(Evaluation, TraceShowsScaleFactorAndHungPieces)
 {
-    // Opposite-coloured bishops alone with equal pawns: 0.65 twice.
-    std::string text = trace("4k3/ppp1b3/8/8/8/8/PPP5/3BK3 w - -");
-    EXPECT_NE(text.find("sf= 0.42"), std::string::npos) << text;
-    EXPECT_EQ(text.find("hung pieces on: "), std::string::npos);
-    EXPECT_EQ(text.rfind("           white  black    pos    mtl\n", 0), 0u);
-    EXPECT_EQ(text.substr(text.size() - 2), "\n\n");
-    EXPECT_EQ(text.find("mtl_pawn"), std::string::npos); // level 1 stops after the score line
-
-    text = trace("4k3/8/8/3n4/8/8/8/3RK3 w - -");
-    EXPECT_NE(text.find("hung pieces on:  d5\n"), std::string::npos) << text;
-
-    text = trace("4k3/8/8/8/8/8/8/3RK3 w - -", 2); // special ending: just the score line
-    text = trace("r3k3/8/8/8/8/8/8/R3K3 w - -", 2);
-    EXPECT_NE(text.find("mtl_rook                 498 ,  729\n"), std::string::npos);
-    EXPECT_NE(text.find("Connected Pawn\n"), std::string::npos);
-    EXPECT_EQ(text.find("PST_P1"), std::string::npos);
-
-    // The score line shows the side to move's view.
-    std::string white = trace("4k3/8/8/8/3P4/8/8/R3K3 w - -");
-    std::string black = trace("4k3/8/8/8/3P4/8/8/R3K3 b - -");
-    int w = std::atoi(white.substr(white.find("eval= ") + 6).c_str());
-    int b = std::atoi(black.substr(black.find("eval= ") + 6).c_str());
-    int stm = 2 * opening_of(param_score[STM_BONUS]); // both see the bonus for themselves
-    EXPECT_NEAR(w + b, 0, stm + 2);
+    EXPECT_NE(trace("4k3/ppp1b3/8/8/8/8/PPP5/3BK3 w - -").find("sf= 0.42"), std::string::npos);
+    EXPECT_NE(trace("4k3/8/8/3n4/8/8/8/3RK3 w - -").find("hung pieces on:  d5\n"), std::string::npos);
+    EXPECT_EQ(trace("4k3/8/4p3/3n4/8/8/8/3RK3 w - -").find("hung pieces on: "), std::string::npos);
 }
 
 TEST_F(Evaluation, CachesFromTheSecondPly)

@@ -119,28 +119,6 @@ TEST_F(TransTableTest, TornEntriesAndForeignMovesAreMisses)
     EXPECT_EQ(probe().depth, TT_BAD_MOVE);
 }
 
-TEST_F(TransTableTest, ReplacementByAgeAndDraft)
-{
-    // Five positions sharing one bucket: same index bits, different locks.
-    const uint64_t base = 0x0123456700000040ULL;
-    auto key = [&](int i) { return base + (uint64_t(i) << 20); };
-    for (int i = 0; i < 4; i++)
-        store_key(key(i), 10 + i, i);
-    // All four written in this search: the shallowest goes, unless more than 7 deeper.
-    store_key(key(4), 2, 99);
-    EXPECT_LT(probe_key(key(4)).depth, -9);
-    EXPECT_EQ(probe_key(key(0)).depth, 10);
-    store_key(key(4), 3, 99);
-    EXPECT_EQ(probe_key(key(4)).depth, 3);
-    EXPECT_LT(probe_key(key(0)).depth, -9);
-    // In a new search the first entry of an older search makes way, whatever its draft.
-    tt_new_search();
-    store_key(key(5), 1, 5);
-    EXPECT_EQ(probe_key(key(5)).depth, 1);
-    EXPECT_LT(probe_key(key(4)).depth, -9); // slot 0 held key 4
-    EXPECT_EQ(probe_key(key(1)).depth, 11);
-}
-
 TEST_F(TransTableTest, HashfullSamplesTheMiddle)
 {
     std::mt19937_64 rng(1);

@@ -76,34 +76,6 @@ int probe_all(TestBoard& board, const std::vector<ProbeAnswer>& answers, bool ex
 
 } // namespace
 
-TEST(TbDamage, TablesCutShortFailWithoutCrashing)
-{
-    for (const char* material : {"KQvKR", "KRPvK", "KPvKP", "KBNvK"}) {
-        std::vector<ProbeAnswer> answers = answers_of(material);
-        ASSERT_FALSE(answers.empty()) << material;
-        for (const char* kind : {".rtbw", ".rtbz"}) {
-            std::string name = std::string(material) + kind;
-            size_t size = read_file(shared_tables() + "/" + name).size();
-            for (size_t keep : {size_t(0), size_t(5), size_t(40), size / 3, size - 1}) {
-                std::string dir = directory_with({std::string(material) + ".rtbw", std::string(material) + ".rtbz"});
-                std::vector<uint8_t> bytes = read_file(dir + "/" + name);
-                bytes.resize(keep);
-                write_file(dir + "/" + name, bytes);
-                tb_init(dir.c_str());
-                TestBoard board;
-                testing::internal::CaptureStderr();
-                int refused = probe_all(board, answers, true);
-                std::string said = testing::internal::GetCapturedStderr();
-                // Said once, and only positions that need no table answer.
-                EXPECT_EQ(said, "Corrupted table.\n") << name << " cut to " << keep;
-                EXPECT_GT(refused, 0) << name << " cut to " << keep;
-                remove_directory(dir);
-            }
-        }
-    }
-    tb_init("");
-}
-
 // A table whose partners are missing (the tables its captures and
 // promotions lead to, or its distance file) answers exactly or not at all.
 TEST(TbDamage, MissingPartnersNeverGiveAWrongAnswer)

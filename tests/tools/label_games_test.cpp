@@ -52,28 +52,6 @@ TEST(LabelGames, ResultsAndEvaluationsOfEveryUsablePosition)
     EXPECT_EQ(lines[1], "rnbqkbnr/pppppppp/8/8/8/4P3/PPPP1PPP/RNBQKBNR b KQkq - bm e6; ce 0; gr 0.0;");
 }
 
-TEST(LabelGames, StartPositionsCommentsVariationsAndBrokenGames)
-{
-    // From a set-up position; the first 16 plies carry a variation and a
-    // comment that are left aside, then the moves are scored, mates too.
-    std::string moves;
-    for (int i = 0; i < 4; i++)
-        moves += " Kb2 (Ka2 Kg8) {a side line} Kh7 Ka1 Kh8";
-    moves += " Kb2 {+M5/30} Kh7 {-M4/30} Ka1 {+1.25/10 0.1s} Kh8 {-0.50/9 0.1s}";
-    moves += " Kb2 Kh7 Ka1 Kh8 Kb2 Kh7";
-    std::string pgn = "[Event \"b\"]\n[Result \"1/2-1/2\"]\n[FEN \"7k/8/8/8/8/8/8/K5R1 w - - 0 1\"]\n\n"
-                      + moves.substr(1) + " 1/2-1/2\n\n";
-    // A game whose moves do not fit the standard start breaks at the first.
-    pgn += "[Event \"c\"]\n[Result \"1-0\"]\n\n1. Kb2 Kh7 2. Ka1 Kh8 1-0\n";
-    long count = 0;
-    std::vector<std::string> lines = label(pgn, &count);
-    ASSERT_EQ(count, 4); // 26 plies: 16 .. 19
-    EXPECT_EQ(lines[0], "7k/8/8/8/8/8/8/K5R1 w - - bm Kb2; ce 9000; gr 0.5;");
-    EXPECT_EQ(lines[1], "7k/8/8/8/8/8/1K6/6R1 b - - bm Kh7; ce -9000; gr 0.5;");
-    EXPECT_EQ(lines[2], "8/7k/8/8/8/8/1K6/6R1 w - - bm Ka1; ce 125; gr 0.5;");
-    EXPECT_EQ(lines[3], "8/7k/8/8/8/8/8/K5R1 b - - bm Kh8; ce -50; gr 0.5;");
-}
-
 // Scores that strtod reads as numbers beyond an int ("1e99", "+inf") were
 // converted as they were, which is undefined; they are now kept within the
 // range of a stored evaluation, and "+nan" counts as no score.
