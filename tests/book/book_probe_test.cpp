@@ -33,6 +33,18 @@ std::string coord(Move m)
     return std::string(SQUARE_NAMES[move_from(m)]) + SQUARE_NAMES[move_to(m)];
 }
 
+// The '|'-separated fields of a data line.
+std::vector<std::string> fields(const std::string& line)
+{
+    std::vector<std::string> parts;
+    std::stringstream in(line);
+    for (std::string part; std::getline(in, part, '|');)
+        parts.push_back(part);
+    return parts;
+}
+
+const std::string LISTING = "info string ( book moves are: ";
+
 class BookFiles : public GameAndDir
 {
   protected:
@@ -41,8 +53,8 @@ class BookFiles : public GameAndDir
         GameAndDir::SetUp();
         set_test_position(game, START_FEN);
     }
-    // Runs the probe and returns what it printed: the interface's listing,
-    // the console's (`console`), or none (`quiet`).
+    // Probes and returns what was printed: the interface's listing, the
+    // console's, or nothing when quiet.
     std::string probe(const std::string& file, Move* result, bool console = false, bool quiet = false)
     {
         testing::internal::CaptureStdout();
@@ -59,23 +71,35 @@ class BookFiles : public GameAndDir
     }
 };
 
-const std::string LISTING = "info string ( book moves are: ";
-
 } // namespace
 
-// Every position of the probe list, with what an independent reader found
-// in the book: the entries come back in file order, the listing names
-// exactly the entries of non-zero weight, and the move played is one of them.
+// The nine published keys: castling rights lost one by one, en-passant
+// squares a pawn can use (in the key) and ones it cannot (left out).
+TEST_F(BookFiles, PublishedKeys)
+{
+    std::ifstream in(data_path("books/test_keys.txt"));
+    int checked = 0;
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> f = fields(line);
+        if (line[0] == '#' || f.size() != 2)
+            continue;
+        set_test_position(game, f[0]);
+        EXPECT_EQ(book_key(&game->pos), std::stoull(f[1], nullptr, 16)) << line;
+        checked++;
+    }
+    EXPECT_EQ(checked, 9);
+}
+
+// Every position of the probe list against what an independent reader
+// found: entries in file order, a listing of exactly those of non-zero
+// weight, and a move among them.
 TEST_F(BookFiles, PerformanceBookAgreesWithAnIndependentReader)
 {
     std::string book = data_path("books/performance.bin");
     std::ifstream in(data_path("books/performance_probes.txt"));
     int positions = 0, found = 0;
     for (std::string line; std::getline(in, line); positions++) {
-        std::vector<std::string> parts;
-        std::stringstream fields(line);
-        for (std::string part; std::getline(fields, part, '|');)
-            parts.push_back(part);
+        std::vector<std::string> parts = fields(line);
         ASSERT_GE(parts.size(), 2u) << line;
         set_test_position(game, parts[0]);
         uint64_t key = std::stoull(parts[1], nullptr, 16);
@@ -107,8 +131,8 @@ TEST_F(BookFiles, PerformanceBookAgreesWithAnIndependentReader)
     EXPECT_GT(found, 50);
 }
 
-// A small book that follows one line, one black reply per position, the
-// last an under-promotion to a knight, listed by the console in its own form.
+// One black reply per position of the line, the last an under-promotion,
+// which the console lists in its own form.
 TEST_F(BookFiles, LaskerTrapLineExactly)
 {
     std::string book = data_path("books/lasker-trap.bin");
@@ -133,9 +157,9 @@ TEST_F(BookFiles, LaskerTrapLineExactly)
     EXPECT_EQ(m, make_move_code(13, 6) | PROMO_KNIGHT) << "the quiet probe plays the same move";
 }
 
-// Of a run longer than 128 entries only the first 128 count; positions
-// stored before and after the run make the search find its first entry.
-// An entry of weight 0 is listed nowhere but is still the only entry's move.
+// Of a run longer than 128 entries only the first 128 count, and other
+// keys before and after it must not mislead the search. A lone entry of
+// weight 0 is listed nowhere but still played.
 TEST_F(BookFiles, RunsOfEntries)
 {
     uint64_t key = book_key(&game->pos);
@@ -167,20 +191,18 @@ TEST_F(BookFiles, RunsOfEntries)
     EXPECT_EQ(coord(m), "e2e4");
 }
 
-// A file cut inside an entry is read as if cut to the last whole entry;
-// trailing bytes change nothing; files too short, empty, missing or not
-// files at all give no move and no output.
+// A file cut inside an entry reads as cut to its last whole entry; trailing
+// bytes change nothing; short, empty, missing or non-files give nothing.
 TEST_F(BookFiles, CutAndMissingFiles)
 {
-    std::ifstream in(data_path("books/lasker-trap.bin"), std::ios::binary);
-    std::string whole((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::string whole = read_text_file(data_path("books/lasker-trap.bin"));
     ASSERT_EQ(whole.size(), 112u);
     auto write_raw = [&](const std::string& name, const std::string& bytes) {
         std::ofstream(dir + "/" + name, std::ios::binary) << bytes;
         return dir + "/" + name;
     };
     std::string cut = write_raw("cut.bin", whole.substr(0, 112 - 5)), longer = write_raw("longer.bin", whole + "junk");
-    // The last entry of the file (largest key) answers 4. e3 with Bb4+.
+    // The last entry (largest key) answers 4. e3 with Bb4+.
     play({"d4", "d5", "c4", "e5", "dxe5", "d4", "e3"});
     Move m = 0;
     EXPECT_EQ(probe(longer, &m), LISTING + "f8b4  )\n");
@@ -188,35 +210,49 @@ TEST_F(BookFiles, CutAndMissingFiles)
     EXPECT_EQ(probe(cut, &m) + std::to_string(m), "0");
     set_test_position(game, START_FEN);
     play({"d4"});
-    EXPECT_EQ(probe(cut, &m), LISTING + "d7d5  )\n"); // the entry in front survives
+    EXPECT_EQ(probe(cut, &m), LISTING + "d7d5  )\n");
     for (const std::string& file :
          {write_raw("tiny.bin", whole.substr(0, 15)), write_raw("empty.bin", ""), dir + "/missing.bin", dir, std::string()})
         EXPECT_EQ(probe(file, &m) + std::to_string(m), "0") << file;
 }
 
-// A chosen move the position cannot play gives no move; the listing still
-// shows what the book said. Castling is recognised by its squares alone,
-// so a rook on e1 "castles" to g1 unless g1 is taken.
+// A book move the position cannot play (a key collision, a faulty book) is
+// listed but gives no move. Castling goes by squares alone: a rook on e1
+// "castles" to g1, and a real castling must still be legal.
 TEST_F(BookFiles, MovesThatDoNotFit)
 {
+    struct {
+        const char* fen;
+        const char *from, *to, *listed, *played;
+    } cases[] = {
+        {START_FEN, "e7", "e5", "e7e5", ""},
+        {"k7/8/8/8/8/8/8/K3R3 w - -", "e1", "h1", "e1g1", "e1g1"},
+        {"k7/8/8/8/8/8/8/K3R1B1 w - -", "e1", "h1", "e1g1", ""},
+        {"4k3/8/8/8/8/8/8/R3K2R w KQ -", "e1", "h1", "e1g1", "e1g1"},
+        {"4k3/8/8/8/8/8/8/R3K2R w - -", "e1", "h1", "e1g1", ""}, // no right
+        {"3rk3/8/8/8/8/8/8/R3K3 w Q -", "e1", "a1", "e1c1", ""}, // through d1
+        {"4k3/8/8/8/8/8/8/RN2K3 w Q -", "e1", "a1", "e1c1", ""}, // over the knight
+        {"4k3/4r3/8/8/8/8/4B3/4K3 w - -", "e2", "d3", "e2d3", ""}, // pinned
+    };
     std::string book = dir + "/wrong.bin";
+    for (const auto& c : cases) {
+        set_test_position(game, c.fen);
+        write_book(book, {{book_key(&game->pos), book_code(c.from, c.to), 10, 0}});
+        Move m = 1;
+        EXPECT_EQ(probe(book, &m), LISTING + c.listed + "  )\n") << c.fen;
+        EXPECT_EQ(m ? coord(m) : "", c.played) << c.fen;
+    }
+    set_test_position(game, START_FEN);
     write_book(book, {{book_key(&game->pos), book_code("e7", "e5"), 10, 0}});
     Move m = 1;
-    EXPECT_EQ(probe(book, &m) + std::to_string(m), LISTING + "e7e5  )\n0");
-    EXPECT_EQ(probe(book, &m, true), "  e7e5  cnt=    10, weight= 100.00% -> 100.00%\nselecting e7e5\n");
-    set_test_position(game, "k7/8/8/8/8/8/8/K3R3 w - -");
-    write_book(book, {{book_key(&game->pos), book_code("e1", "h1"), 1, 0}});
-    EXPECT_EQ(probe(book, &m), LISTING + "e1g1  )\n");
-    EXPECT_EQ(m, make_move_code(4, 6));
-    set_test_position(game, "k7/8/8/8/8/8/8/K3R1B1 w - -");
-    write_book(book, {{book_key(&game->pos), book_code("e1", "h1"), 1, 0}});
-    EXPECT_EQ(probe(book, &m, false, true) + std::to_string(m), "0");
+    EXPECT_EQ(probe(book, &m, true) + std::to_string(m),
+              "  e7e5  cnt=    10, weight= 100.00% -> 100.00%\nselecting e7e5\n0");
 }
 
-// The roulette: an entry wins when the threshold lies strictly above the
-// running sum in front of it; variety moves weight towards or away from the
-// first entry (three quarters of its weight at 100), and a move pushed
-// below zero or of weight 0 never wins, except as the first-entry fallback.
+// An entry wins when the threshold lies strictly above the running sum in
+// front of it; variety moves weight towards or away from the first entry
+// (three quarters of its weight at 100); weight 0 or below never wins but
+// as the first-entry fallback.
 TEST(BookRoulette, ThresholdsAndVariety)
 {
     BookEntry e[3] = {{1, 0, 60, 0}, {1, 0, 30, 0}, {1, 0, 10, 0}};
@@ -241,15 +277,16 @@ TEST(BookRoulette, ThresholdsAndVariety)
         ASSERT_EQ(pick(z, 25, d), 2) << d;
 }
 
-// Castling is stored as the king taking its rook, promotion pieces 1..4
-// are knight, bishop, rook, queen; every other move goes there and back
-// unchanged; the fields are big-endian.
+// Castling is stored as the king taking its rook; promotion pieces 1..4 are
+// knight, bishop, rook, queen; other moves go there and back unchanged; the
+// fields are big-endian.
 TEST(BookEntry, MoveEncodings)
 {
     EXPECT_EQ(book_move_to_move(book_code("e1", "a1")), make_move_code(4, 2));
     EXPECT_EQ(book_move_to_move(book_code("e8", "h8")), make_move_code(60, 62));
     EXPECT_EQ(book_move_to_move(book_code("e1", "g1")), make_move_code(4, 6));
     EXPECT_EQ(move_to_book_move(make_move_code(60, 58)), book_code("e8", "a8"));
+    EXPECT_EQ(move_to_book_move(make_move_code(4, 6)), book_code("e1", "h1"));
     const Move pieces[5] = {0, PROMO_KNIGHT, PROMO_BISHOP, PROMO_ROOK, PROMO_QUEEN};
     for (int piece = 1; piece <= 6; piece++)
         EXPECT_EQ(book_move_to_move(uint16_t(book_code("b7", "b8") | piece << 12)),
@@ -257,12 +294,11 @@ TEST(BookEntry, MoveEncodings)
     for (int from = 0; from < 64; from++)
         for (int to = 0; to < 64; to++)
             for (Move flag : pieces) {
-                Move m = Move(make_move_code(from, to) | flag);
                 bool king_home = from == 4 || from == 60;
-                if (king_home && (to == from + 2 || to == from - 2))
-                    continue;
-                bool castle = king_home && (to == from + 3 || to == from - 4);
-                EXPECT_EQ(book_move_to_move(move_to_book_move(m)), castle ? m + (to == from + 3 ? -1 : 2) : m);
+                if (king_home && (to == from + 2 || to == from - 2 || to == from + 3 || to == from - 4))
+                    continue; // castling, by squares
+                Move m = Move(make_move_code(from, to) | flag);
+                EXPECT_EQ(book_move_to_move(move_to_book_move(m)), m);
             }
     BookEntry e = {0x0102030405060708ULL, 0x090A, 0x0B0C, 0x0D0E0F10u}, back;
     unsigned char bytes[BOOK_ENTRY_SIZE];

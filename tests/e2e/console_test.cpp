@@ -97,23 +97,6 @@ TEST(Console, WordsTypedWhileTheEngineThinks)
     EXPECT_EQ(e.quit(), 0);
 }
 
-TEST(Console, AMoveTypedWhileTheEngineThinksWins)
-{
-    // The engine's answer belongs to the position it searched; once the
-    // person has moved on, it is shown but not played.
-    std::string dir = make_temp_dir();
-    EngineProcess e({"-c"}, dir);
-    e.send_line("move");
-    EXPECT_NE(e.wait_for("01] 0", 20000), "");
-    e.send_line("e4");
-    EXPECT_NE(e.wait_for("move= ", 60000), "");
-    e.send_line("e5");
-    e.send_line("save");
-    EXPECT_EQ(e.quit(), 0);
-    std::string pgn = read_text_file(dir + "/tmp.pgn");
-    EXPECT_NE(pgn.find("\n1. e4 e5 *"), std::string::npos) << pgn;
-}
-
 // The board, the evaluation breakdown and its tables go through the one
 // output channel, so the log holds them as the screen does. A special
 // ending (here king and rook against king) shows the whole breakdown too.

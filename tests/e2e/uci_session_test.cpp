@@ -68,18 +68,3 @@ TEST(UciSession, LogHoldsOutputAndCommands)
     EXPECT_EQ(e.quit(), 0);
 }
 
-TEST(ConsoleSession, PerftAndMoves)
-{
-    EngineProcess e({"-c"});
-    EXPECT_EQ(e.ask("perft 3", "visited").rfind("visited 8902 nodes in ", 0), 0u);
-    EXPECT_NE(e.ask("e4", "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3"), "");
-    EXPECT_EQ(e.ask("Ke7x", "can't"), "can't parse move 'Ke7x'");
-    e.send_line("uci"); // switches to UCI for good
-    EXPECT_EQ(e.wait_for("uciok"), "uciok");
-    e.send_line("perft 3"); // a console word is now ignored
-    e.send_line("isready");
-    std::vector<std::string> seen;
-    EXPECT_EQ(e.wait_for("readyok", 10000, &seen), "readyok");
-    EXPECT_EQ(seen.size(), 1u);
-    EXPECT_EQ(e.quit(), 0);
-}

@@ -24,16 +24,6 @@ TEST(Perft, MatchesReferenceCounts)
     free_test_thread(t);
 }
 
-TEST(Perft, CommandClampsDepth)
-{
-    SearchThread* t = new_test_thread();
-    set_test_position(t, "4k3/8/8/8/8/8/8/4K3 w - -");
-    EXPECT_EQ(perft_command(t, 0), 0u);
-    EXPECT_EQ(perft_command(t, -3), 0u);
-    EXPECT_EQ(perft_command(t, 1), 5u);
-    free_test_thread(t);
-}
-
 // Chess960 positions with their castling rights standing, in Shredder-FEN:
 // castling with the king and rooks on any files, written king takes rook.
 // Read as standard chess the same positions castle not at all.

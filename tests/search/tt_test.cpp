@@ -119,22 +119,6 @@ TEST_F(TransTableTest, TornEntriesAndForeignMovesAreMisses)
     EXPECT_EQ(probe().depth, TT_BAD_MOVE);
 }
 
-TEST_F(TransTableTest, HashfullSamplesTheMiddle)
-{
-    std::mt19937_64 rng(1);
-    for (int i = 0; i < 20000; i++)
-        store_key(rng(), 5, 0);
-    EXPECT_EQ(tt_hashfull(6), 0.0);
-    double full = tt_hashfull(7);
-    EXPECT_GT(full, 0.05);
-    EXPECT_LT(full, 0.6);
-    tt_new_search();
-    EXPECT_EQ(tt_hashfull(7), 0.0); // nothing written in this search yet
-    tt_clear();
-    tt_new_search();
-    EXPECT_LT(probe_key(rng()).depth, -9);
-}
-
 // Clearing in slices, as the workers do, leaves no entry behind whatever the
 // number of workers: the last slice takes the remainder of the even split.
 TEST_F(TransTableTest, ClearingInSlicesLeavesNothing)

@@ -75,45 +75,44 @@ void EngineProcess::close_input()
     in_fd_ = -1;
 }
 
+namespace
+{
+
+int ms_left(std::chrono::steady_clock::time_point deadline)
+{
+    return int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+}
+
+} // namespace
+
 bool EngineProcess::read_line(std::string* line, int timeout_ms)
 {
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    for (;;) {
-        size_t nl = buffer_.find('\n');
-        if (nl != std::string::npos) {
-            *line = buffer_.substr(0, nl);
-            buffer_.erase(0, nl + 1);
-            return true;
-        }
-        int left = int(
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
-        if (left <= 0 || out_fd_ < 0)
-            return false;
+    for (size_t nl; (nl = buffer_.find('\n')) == std::string::npos;) {
         pollfd pfd{out_fd_, POLLIN, 0};
-        if (poll(&pfd, 1, left) <= 0)
-            return false;
         char chunk[4096];
-        ssize_t n = read(out_fd_, chunk, sizeof chunk);
-        if (n <= 0)
+        ssize_t n = 0;
+        if (out_fd_ < 0 || ms_left(deadline) <= 0 || poll(&pfd, 1, ms_left(deadline)) <= 0
+            || (n = read(out_fd_, chunk, sizeof chunk)) <= 0)
             return false;
         buffer_.append(chunk, size_t(n));
     }
+    size_t nl = buffer_.find('\n');
+    *line = buffer_.substr(0, nl);
+    buffer_.erase(0, nl + 1);
+    return true;
 }
 
 std::string EngineProcess::wait_for(const std::string& prefix, int timeout_ms, std::vector<std::string>* seen)
 {
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    std::string line;
-    for (;;) {
-        int left = int(
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
-        if (left <= 0 || !read_line(&line, left))
-            return "";
+    for (std::string line; ms_left(deadline) > 0 && read_line(&line, ms_left(deadline));) {
         if (seen)
             seen->push_back(line);
         if (line.compare(0, prefix.size(), prefix) == 0)
             return line;
     }
+    return "";
 }
 
 int EngineProcess::wait_exit(int timeout_ms)

@@ -12,15 +12,21 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+namespace
+{
+
+void make_keys_once()
+{
+    static bool keys = (init_zobrist(), true);
+    (void)keys;
+}
+
+} // namespace
+
 SearchThread* new_test_thread()
 {
-    static bool keys = false;
-    if (!keys) {
-        init_zobrist();
-        set_default_settings();
-        tt_allocate(1);
-        keys = true;
-    }
+    static bool table = (make_keys_once(), set_default_settings(), tt_allocate(1), true);
+    (void)table;
     return new_search_thread();
 }
 
@@ -28,20 +34,6 @@ void free_test_thread(SearchThread* t)
 {
     free_search_thread(t);
 }
-
-namespace
-{
-
-void make_keys_once()
-{
-    static bool keys = false;
-    if (!keys) {
-        init_zobrist();
-        keys = true;
-    }
-}
-
-} // namespace
 
 Game* new_test_game()
 {
@@ -74,17 +66,14 @@ std::vector<PerftCase> load_perft_cases(const std::string& file)
 {
     std::vector<PerftCase> cases;
     std::ifstream in(data_path(file));
-    std::string line;
-    while (std::getline(in, line)) {
+    for (std::string line; std::getline(in, line);) {
         size_t semi = line.find(';');
         if (semi == std::string::npos)
             continue;
-        PerftCase c;
-        c.fen = line.substr(0, semi);
+        PerftCase c{line.substr(0, semi), {}};
         std::istringstream ops(line.substr(semi));
         std::string tag;
-        uint64_t n;
-        while (ops >> tag >> n)
+        for (uint64_t n; ops >> tag >> n;)
             c.counts.push_back(n);
         cases.push_back(c);
     }
@@ -95,8 +84,7 @@ std::vector<std::string> load_opening_fens(size_t max_count)
 {
     std::vector<std::string> fens;
     std::ifstream in(data_path("openings/noob_3moves_10k.epd"));
-    std::string line;
-    while (fens.size() < max_count && std::getline(in, line))
+    for (std::string line; fens.size() < max_count && std::getline(in, line);)
         if (line.size() > 10)
             fens.push_back(line);
     return fens;
@@ -104,10 +92,8 @@ std::vector<std::string> load_opening_fens(size_t max_count)
 
 std::vector<std::string> load_test_fens(size_t openings)
 {
-    std::vector<std::string> fens;
+    std::vector<std::string> fens = load_opening_fens(openings);
     for (const PerftCase& c : load_perft_cases())
-        fens.push_back(c.fen);
-    for (const std::string& f : load_opening_fens(openings))
-        fens.push_back(f);
+        fens.insert(fens.begin(), c.fen);
     return fens;
 }

@@ -58,16 +58,6 @@ TEST(EpdScoring, BestMoveListsFollowTheSplitter)
     EXPECT_EQ(bm_hits(&check.g->pos, "", check.move("a1a8")), 0);
 }
 
-TEST(EpdScoring, AvoidMoveCountsAnyOtherMove)
-{
-    Scored s(std::string(OPENING) + " am e4; id \"x\";");
-    EXPECT_EQ(am_hit(&s.g->pos, s.f.am, s.move("d4")), 1);
-    EXPECT_EQ(am_hit(&s.g->pos, s.f.am, s.move("e2e4")), 0);
-    // An operand that names no move scores nothing at all.
-    EXPECT_EQ(am_hit(&s.g->pos, "e5", s.move("d4")), 0);
-    EXPECT_EQ(am_hit(&s.g->pos, "", s.move("d4")), 0);
-}
-
 // c0 lists move=points: the move played earns its points, the largest
 // value wherever it stands is what was possible; a move it does not list
 // earns nothing; without any "=" nothing at all; a huge number stays bounded.

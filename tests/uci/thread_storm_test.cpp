@@ -87,37 +87,6 @@ TEST_F(ThreadStorm, EveryStoppedSearchReportsOnce)
     expect_start_position_replies(replies);
 }
 
-TEST_F(ThreadStorm, PonderEndsWithPonderhitOrStop)
-{
-    const int count = 24;
-    for (int i = 0; i < count; i++) {
-        send("go ponder wtime 400 btime 400 winc 10 binc 10");
-        session_rounds(i % 7);
-        send(i % 2 ? "ponderhit" : "stop");
-        ASSERT_TRUE(session_until_idle(PATIENCE)) << "ponder search " << i << " never went idle";
-    }
-    std::vector<std::string> replies = starting_with(output(), "bestmove");
-    EXPECT_EQ(replies.size(), size_t(count));
-    expect_start_position_replies(replies);
-}
-
-TEST_F(ThreadStorm, ThreadsAndClearHashChangeBetweenSearches)
-{
-    const int threads[] = {8, 1, 3, 8, 2, 5, 1, 8};
-    const int count = 8;
-    for (int i = 0; i < count; i++) {
-        int n = threads[i];
-        send("setoption name Threads value " + std::to_string(n));
-        send("setoption name Clear_Hash value x");
-        send(i % 2 ? "go depth 5" : "go nodes 5000");
-        ASSERT_TRUE(session_until_idle(PATIENCE)) << "search " << i << " never went idle";
-        EXPECT_EQ(worker_count(), n);
-    }
-    std::vector<std::string> replies = starting_with(output(), "bestmove");
-    EXPECT_EQ(replies.size(), size_t(count));
-    expect_start_position_replies(replies);
-}
-
 TEST_F(ThreadStorm, OptionsAndPositionsArriveDuringSearches)
 {
     // What the engine then reports is the protocol's business; here the
