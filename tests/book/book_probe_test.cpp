@@ -38,8 +38,8 @@ std::vector<std::string> fields(const std::string& line)
 {
     std::vector<std::string> parts;
     std::stringstream in(line);
-    for (std::string part; std::getline(in, part, '|');)
-        parts.push_back(part);
+    for (std::string field; std::getline(in, field, '|');)
+        parts.push_back(field);
     return parts;
 }
 
@@ -119,13 +119,10 @@ TEST_F(BookFiles, PerformanceBookAgreesWithAnIndependentReader)
         EXPECT_EQ(read, expected) << line;
         Move m = 0;
         std::string text = probe(book, &m);
-        if (expected.empty()) {
-            EXPECT_EQ(text + std::to_string(m), "0") << line;
-            continue;
-        }
-        found++;
-        EXPECT_EQ(text, listing + " )\n") << line;
-        EXPECT_NE(listing.find(" " + coord(m) + " "), std::string::npos) << line;
+        found += !expected.empty();
+        EXPECT_EQ(text, expected.empty() ? "" : listing + " )\n") << line;
+        // A listed move, or none where the book has nothing.
+        EXPECT_TRUE(m ? listing.find(" " + coord(m) + " ") != std::string::npos : expected.empty()) << line;
     }
     EXPECT_EQ(positions, 200);
     EXPECT_GT(found, 50);
@@ -211,8 +208,8 @@ TEST_F(BookFiles, CutAndMissingFiles)
     set_test_position(game, START_FEN);
     play({"d4"});
     EXPECT_EQ(probe(cut, &m), LISTING + "d7d5  )\n");
-    for (const std::string& file :
-         {write_raw("tiny.bin", whole.substr(0, 15)), write_raw("empty.bin", ""), dir + "/missing.bin", dir, std::string()})
+    for (const std::string& file : {write_raw("tiny.bin", whole.substr(0, 15)), write_raw("empty.bin", ""),
+                                    dir + "/missing.bin", dir, std::string()})
         EXPECT_EQ(probe(file, &m) + std::to_string(m), "0") << file;
 }
 
@@ -229,10 +226,10 @@ TEST_F(BookFiles, MovesThatDoNotFit)
         {"k7/8/8/8/8/8/8/K3R3 w - -", "e1", "h1", "e1g1", "e1g1"},
         {"k7/8/8/8/8/8/8/K3R1B1 w - -", "e1", "h1", "e1g1", ""},
         {"4k3/8/8/8/8/8/8/R3K2R w KQ -", "e1", "h1", "e1g1", "e1g1"},
-        {"4k3/8/8/8/8/8/8/R3K2R w - -", "e1", "h1", "e1g1", ""}, // no right
-        {"3rk3/8/8/8/8/8/8/R3K3 w Q -", "e1", "a1", "e1c1", ""}, // through d1
-        {"4k3/8/8/8/8/8/8/RN2K3 w Q -", "e1", "a1", "e1c1", ""}, // over the knight
-        {"4k3/4r3/8/8/8/8/4B3/4K3 w - -", "e2", "d3", "e2d3", ""}, // pinned
+        {"4k3/8/8/8/8/8/8/R3K2R w - -", "e1", "h1", "e1g1", ""},  // no right
+        {"3rk3/8/8/8/8/8/8/R3K3 w Q -", "e1", "a1", "e1c1", ""},  // through d1
+        {"4k3/8/8/8/8/8/8/RN2K3 w Q -", "e1", "a1", "e1c1", ""},  // over the knight
+        {"4k3/4r3/8/8/8/8/4B3/4K3 w - -", "e2", "d3", "e2d3", ""} // pinned
     };
     std::string book = dir + "/wrong.bin";
     for (const auto& c : cases) {
@@ -241,12 +238,10 @@ TEST_F(BookFiles, MovesThatDoNotFit)
         Move m = 1;
         EXPECT_EQ(probe(book, &m), LISTING + c.listed + "  )\n") << c.fen;
         EXPECT_EQ(m ? coord(m) : "", c.played) << c.fen;
+        EXPECT_EQ(probe(book, &m, true), std::string("  ") + c.listed
+                                             + "  cnt=    10, weight= 100.00% -> 100.00%\nselecting " + c.listed
+                                             + "\n");
     }
-    set_test_position(game, START_FEN);
-    write_book(book, {{book_key(&game->pos), book_code("e7", "e5"), 10, 0}});
-    Move m = 1;
-    EXPECT_EQ(probe(book, &m, true) + std::to_string(m),
-              "  e7e5  cnt=    10, weight= 100.00% -> 100.00%\nselecting e7e5\n0");
 }
 
 // An entry wins when the threshold lies strictly above the running sum in

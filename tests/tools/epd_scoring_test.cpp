@@ -12,7 +12,8 @@ namespace
 {
 
 // Knights on b1 and g1 (and nothing else in the way): Nf3 and Nc3 are both legal.
-const char* const OPENING = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
+const std::string OPENING = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -";
+const std::string ROOK_CHECK = "6k1/5ppp/8/8/8/8/5PPP/R5K1 w - -";
 
 struct Scored {
     Game* g = new_test_game();
@@ -33,29 +34,34 @@ struct Scored {
 
 } // namespace
 
-TEST(EpdScoring, BestMoveListsFollowTheSplitter)
+// Blanks inside an operand vanish, so "Nf3 Nc3" is the one piece "Nf3Nc3",
+// which names no move. Quotes and a check mark do not hide a move; an
+// operand naming no legal move scores nothing, for "am" as for "bm".
+TEST(EpdScoring, BestAndAvoidMoves)
 {
-    // Blanks inside an operand vanish, so "Nf3 Nc3" is the single piece
-    // "Nf3Nc3", which names no move: never correct, whatever is played.
-    Scored blanks(std::string(OPENING) + " bm Nf3 Nc3; id \"x\";");
-    EXPECT_STREQ(blanks.f.bm, "Nf3Nc3");
-    EXPECT_EQ(bm_hits(&blanks.g->pos, blanks.f.bm, blanks.move("Nf3")), 0);
-    EXPECT_EQ(bm_hits(&blanks.g->pos, blanks.f.bm, blanks.move("Nc3")), 0);
-
-    Scored commas(std::string(OPENING) + " bm Nf3,Nc3; id \"x\";");
-    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("Nf3")), 1);
-    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("Nc3")), 1);
-    EXPECT_EQ(bm_hits(&commas.g->pos, commas.f.bm, commas.move("e4")), 0);
-
-    Scored single(std::string(OPENING) + " bm Nf3;");
-    EXPECT_EQ(bm_hits(&single.g->pos, single.f.bm, single.move("g1f3")), 1);
-    EXPECT_EQ(bm_hits(&single.g->pos, single.f.bm, single.move("b1c3")), 0);
-
-    // Quotes and a check mark around a move do not hide it; a piece that is
-    // no legal move counts nothing.
-    Scored check("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - bm \"Ra8+\",Ra9,Kh1h2;");
-    EXPECT_EQ(bm_hits(&check.g->pos, check.f.bm, check.move("a1a8")), 1);
-    EXPECT_EQ(bm_hits(&check.g->pos, "", check.move("a1a8")), 0);
+    const struct {
+        std::string line;
+        const char* played;
+        int bm, am;
+    } cases[] = {
+        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nf3", 0, 1},
+        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nc3", 0, 1},
+        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "e2e4", 0, 0},
+        {OPENING + " bm Nf3,Nc3; id \"x\";", "Nf3", 1, 0},
+        {OPENING + " bm Nf3,Nc3; id \"x\";", "Nc3", 1, 0},
+        {OPENING + " bm Nf3,Nc3; id \"x\";", "e4", 0, 0},
+        {OPENING + " bm Nf3; am e5;", "g1f3", 1, 0},
+        {OPENING + " bm Nf3; am e5;", "b1c3", 0, 0},
+        {ROOK_CHECK + " bm \"Ra8+\",Ra9,Kh1h2;", "a1a8", 1, 0},
+    };
+    for (const auto& c : cases) {
+        Scored s(c.line);
+        Move m = s.move(c.played);
+        EXPECT_EQ(bm_hits(&s.g->pos, s.f.bm, m), c.bm) << c.line << " " << c.played;
+        EXPECT_EQ(am_hit(&s.g->pos, s.f.am, m), c.am) << c.line << " " << c.played;
+        EXPECT_EQ(bm_hits(&s.g->pos, "", m), 0);
+    }
+    EXPECT_STREQ(Scored(OPENING + " bm Nf3 Nc3;").f.bm, "Nf3Nc3");
 }
 
 // c0 lists move=points: the move played earns its points, the largest
@@ -63,7 +69,7 @@ TEST(EpdScoring, BestMoveListsFollowTheSplitter)
 // earns nothing; without any "=" nothing at all; a huge number stays bounded.
 TEST(EpdScoring, PointsFromTheC0Operation)
 {
-    Scored s(std::string(OPENING) + " bm e4; c0 \"e4=10, d4=8\"; id \"x\";");
+    Scored s(OPENING + " bm e4; c0 \"e4=10, d4=8\"; id \"x\";");
     EXPECT_STREQ(s.f.c0, "\"e4=10,d4=8\"");
     auto points = [&](const char* c0, const char* move) {
         C0Result r = c0_points(&s.g->pos, c0, s.move(move));
@@ -77,6 +83,6 @@ TEST(EpdScoring, PointsFromTheC0Operation)
     std::pair<int, int> huge = points("e4=99999999999999999999", "e4");
     EXPECT_GT(huge.first, 0);
     EXPECT_EQ(huge.first, huge.second);
-    Scored check("6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - c0 \"Ra8+=10, Kf1=3\";");
+    Scored check(ROOK_CHECK + " c0 \"Ra8+=10, Kf1=3\";");
     EXPECT_EQ(c0_points(&check.g->pos, check.f.c0, check.move("a1a8")).points, 10);
 }

@@ -1,34 +1,20 @@
-// Tuning data: which labelled lines are searched, and how the labels follow
-// the side to move to the end of the principal variation.
-#include "board/fen.h"
-#include "board/makemove.h"
-#include "board/notation.h"
-#include "support/test_positions.h"
+// Tuning data: which labelled lines are searched.
 #include "tools/tune_data.h"
 
 #include <gtest/gtest.h>
-#include <string>
 
+// An evaluation that contradicts a won or lost game by more than 100, a
+// draw scored beyond 250, evaluations beyond 1200 and results outside 0..1
+// are dropped; other results carry no contradiction test.
 TEST(TuneData, FiltersOnResultAndEvaluation)
 {
-    // A won game: an evaluation below -100 contradicts it.
-    EXPECT_FALSE(tune_keeps(-150, 1.0));
-    EXPECT_TRUE(tune_keeps(-100, 1.0));
-    EXPECT_FALSE(tune_keeps(-101, 1.0));
-    // A lost game, mirrored.
-    EXPECT_TRUE(tune_keeps(100, 0.0));
-    EXPECT_FALSE(tune_keeps(101, 0.0));
-    EXPECT_TRUE(tune_keeps(-1200, 0.0));
-    // A draw far from equal.
-    EXPECT_FALSE(tune_keeps(251, 0.5));
-    EXPECT_FALSE(tune_keeps(-251, 0.5));
-    EXPECT_TRUE(tune_keeps(250, 0.5));
-    // Evaluations beyond 1200 and results outside 0..1 never.
-    EXPECT_FALSE(tune_keeps(1201, 1.0));
-    EXPECT_TRUE(tune_keeps(1200, 1.0));
-    EXPECT_FALSE(tune_keeps(0, 1.5));
-    EXPECT_FALSE(tune_keeps(0, -0.5));
-    // Other results carry no contradiction test.
-    EXPECT_TRUE(tune_keeps(-900, 0.75));
+    const struct {
+        int ce;
+        double gr;
+        bool kept;
+    } cases[] = {{-100, 1.0, true}, {-101, 1.0, false}, {100, 0.0, true},   {101, 0.0, false}, {-1200, 0.0, true},
+                 {250, 0.5, true},  {251, 0.5, false},  {-251, 0.5, false}, {1200, 1.0, true}, {1201, 1.0, false},
+                 {0, 1.5, false},   {0, -0.5, false},   {-900, 0.75, true}};
+    for (const auto& c : cases)
+        EXPECT_EQ(tune_keeps(c.ce, c.gr), c.kept) << c.ce << " " << c.gr;
 }
-
