@@ -45,7 +45,8 @@ void session_fuzz_start()
     fuzz_silence_stdout();
     fuzz_enter_scratch_dir();
     if (FILE* f = std::fopen("config.txt", "w")) {
-        std::fputs("Hash = 8\nMultiPV = 2\n  Threads = 4\nMtl_Pawn = 110,90\nnovalue\n=5\nConfigFilePath = config.txt\n", f);
+        std::fputs(
+            "Hash = 8\nMultiPV = 2\n  Threads = 4\nMtl_Pawn = 110,90\nnovalue\n=5\nConfigFilePath = config.txt\n", f);
         std::fclose(f);
     }
     session_engine_start(1, 16);

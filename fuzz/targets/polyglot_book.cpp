@@ -28,14 +28,12 @@ constexpr const char* BOOK_FILE = "fuzz.bin";
 
 // Positions a book holds, with castling rights, en-passant squares and an
 // under-promotion among their moves.
-const char* const FENS[] = {
-    START_FEN,
-    "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1",
-    "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3",
-    "rnbqk1nr/ppp2ppp/8/4P3/1BP5/8/PP2KpPP/RN1Q1BNR b kq - 1 7",
-    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
-    "8/2k5/8/8/8/8/5K2/7R w - - 0 1",
-};
+const char* const FENS[] = {START_FEN,
+                            "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq e3 0 1",
+                            "rnbqkbnr/ppp1p1pp/8/3pPp2/8/8/PPPP1PPP/RNBQKBNR w KQkq f6 0 3",
+                            "rnbqk1nr/ppp2ppp/8/4P3/1BP5/8/PP2KpPP/RN1Q1BNR b kq - 1 7",
+                            "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
+                            "8/2k5/8/8/8/8/5K2/7R w - - 0 1"};
 constexpr int FEN_COUNT = int(sizeof FENS / sizeof FENS[0]);
 
 uint64_t fixed_keys[FEN_COUNT];

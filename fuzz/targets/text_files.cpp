@@ -48,7 +48,8 @@ void check_rows()
 {
     for (int row = 0; row < param_count; row++) {
         const EvalParam& p = param_table[row];
-        if (opening_of(p.score) != int(std::lround(p.opening_f)) || endgame_of(p.score) != int(std::lround(p.endgame_f)))
+        if (opening_of(p.score) != int(std::lround(p.opening_f))
+            || endgame_of(p.score) != int(std::lround(p.endgame_f)))
             fuzz_fail("a row's packed value is not its working copies");
     }
 }

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-
 TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
 {
     EXPECT_EQ(BETWEEN[0][63], 0x0040201008040200ULL);

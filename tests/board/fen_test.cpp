@@ -88,9 +88,9 @@ TEST(Fen, UnplayablePositionsAreNamed)
         {"P3k3/8/8/8/8/8/8/4K3 w - -", false},            // pawn on the last rank
         {"4k3/8/8/8/8/8/8/4K3 w - e6", false},            // no pawn behind the en-passant square
         {"QQQQkQQQ/QQQQQQQQ/8/8/8/8/8/4K3 b - -", false}, // impossible material
-        {"4k3/8/8/8/8/P7/PPPPPPPP/4K3 w - -", false},      // nine pawns
-        {"4k3/8/8/8/8/8/PPPPPPP1/2QQK3 w - -", true},      // one pawn promoted to a queen
-        {"4k3/8/8/8/8/8/PPPPPPP1/1QQQK3 w - -", false},    // two extra queens for one missing pawn
+        {"4k3/8/8/8/8/P7/PPPPPPPP/4K3 w - -", false},     // nine pawns
+        {"4k3/8/8/8/8/8/PPPPPPP1/2QQK3 w - -", true},     // one pawn promoted to a queen
+        {"4k3/8/8/8/8/8/PPPPPPP1/1QQQK3 w - -", false}    // two extra queens for one missing pawn
     };
     for (const Case& c : cases) {
         read_fen(&g->pos, c.fen);

@@ -68,4 +68,3 @@ TEST(MakeMove, RoundTripRestoresEveryFieldAndKeysStayExact)
     }
     free_test_game(g);
 }
-

@@ -38,10 +38,10 @@ TEST(MoveGen, GenerationOrderEvasionsAndCastling)
     for (MoveEntry* e = list; e != gen_quiets(&g->pos, WHITE, list, NO_SQUARE); e++)
         EXPECT_NE(piece_type(e->piece), PAWN);
     MoveEntry* end = gen_promotions(&g->pos, WHITE, true, list);
-    EXPECT_EQ(moves_of(list, end),
-              (std::vector<Move>{mv("b7", "b8", PROMO_QUEEN), mv("b7", "b8", PROMO_KNIGHT), mv("b7", "b8", PROMO_BISHOP),
-                                 mv("b7", "b8", PROMO_ROOK), mv("b7", "a8", PROMO_QUEEN), mv("b7", "a8", PROMO_KNIGHT),
-                                 mv("b7", "a8", PROMO_BISHOP), mv("b7", "a8", PROMO_ROOK)}));
+    EXPECT_EQ(moves_of(list, end), (std::vector<Move>{mv("b7", "b8", PROMO_QUEEN), mv("b7", "b8", PROMO_KNIGHT),
+                                                      mv("b7", "b8", PROMO_BISHOP), mv("b7", "b8", PROMO_ROOK),
+                                                      mv("b7", "a8", PROMO_QUEEN), mv("b7", "a8", PROMO_KNIGHT),
+                                                      mv("b7", "a8", PROMO_BISHOP), mv("b7", "a8", PROMO_ROOK)}));
     EXPECT_EQ(gen_promotions(&g->pos, WHITE, false, list) - list, 2);
     // Pawn captures: towards the a-file first, each group by target square.
     set_test_position(g, "4k3/8/8/1p1p1p2/2P1P3/8/8/4K3 w - -");
@@ -82,7 +82,7 @@ TEST(MoveGen, PseudoLegalityOfStoredMoves)
         {"4k3/8/8/8/8/8/8/R1B1K1NR w KQ -", false, false}, // c1 and g1 taken
         {"4k3/8/8/8/8/8/8/4K2R w KQ -", true, false},      // no rook on a1
         {"3rk3/8/8/8/8/8/8/R3K3 w Q -", false, true},      // d1 attacked: pseudo-legal only
-        {"r3k2r/8/8/8/8/8/8/4K3 b kq -", false, false},    // Black to move: e1 castles are not his
+        {"r3k2r/8/8/8/8/8/8/4K3 b kq -", false, false}     // Black to move: e1 castles are not his
     };
     for (const auto& c : castles) {
         set_test_position(g, c.fen);

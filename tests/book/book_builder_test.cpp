@@ -98,16 +98,14 @@ TEST_F(BookBuilder, MoveTextRules)
     const struct {
         std::string pgn;
         std::vector<std::vector<const char*>> kept; // each of weight 12
-    } cases[] = {
-        {games("1. e4 {the king's pawn; Nf3 or d4 next} e5 (1... c5 2. Nf3 (2. c3 d5) d6) 2. Nf3 $1 {\n"
-               "[a bracket inside the comment] Bc4 Nc6 }\n; Nc6 2. Bb5 on a comment line\nNc6 ;Bb5 3. Bc4",
-               "1-0"),
-         {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bc4"}}},
-        {games("1. e4 } e5 ) 2. Nf3 {Bc4 is also good} Nc6 (2... d6 3. d4) 3. Bb5", "1-0"),
-         {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bb5"}}},
-        {games(italian + "O-O Nf6", "1-0", 2) + games(italian + "0-0 Nf6", "1-0", 1),
-         {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bc4"}, {"e4", "e5", "Nf3", "Nc6", "Bc4", "Bc5", "O-O"}}},
-    };
+    } cases[] = {{games("1. e4 {the king's pawn; Nf3 or d4 next} e5 (1... c5 2. Nf3 (2. c3 d5) d6) 2. Nf3 $1 {\n"
+                        "[a bracket inside the comment] Bc4 Nc6 }\n; Nc6 2. Bb5 on a comment line\nNc6 ;Bb5 3. Bc4",
+                        "1-0"),
+                  {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bc4"}}},
+                 {games("1. e4 } e5 ) 2. Nf3 {Bc4 is also good} Nc6 (2... d6 3. d4) 3. Bb5", "1-0"),
+                  {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bb5"}}},
+                 {games(italian + "O-O Nf6", "1-0", 2) + games(italian + "0-0 Nf6", "1-0", 1),
+                  {e4, nf3, {"e4", "e5", "Nf3", "Nc6", "Bc4"}, {"e4", "e5", "Nf3", "Nc6", "Bc4", "Bc5", "O-O"}}}};
     for (const auto& c : cases) {
         std::vector<std::string> expected;
         for (const auto& moves : c.kept)

@@ -98,4 +98,3 @@ TEST(EpdSuiteRun, AwkwardLines)
     }
     std::filesystem::remove_all(dir);
 }
-

@@ -42,33 +42,31 @@ TEST(Options, TheUciAnswerInOrder)
 {
     EngineProcess e;
     std::vector<std::string> a = uci_answer(e);
-    std::vector<std::string> expected = {
-        "id name Korvel 4.50",
-        "id author Tamsin Vell",
-        "option name ConfigFilePath type string default ",
-        "option name Hash type spin default 64 min 0 max 16384",
-        "option name Threads type spin default 1 min 1 max 128",
-        "option name Clear_Hash type button",
-        "option name OwnBook type check default false",
-        "option name OwnBook_File type string default ",
-        "option name OwnBook_Depth type spin default 24 min 0 max 60",
-        "option name OwnBook2_File type string default ",
-        "option name OwnBook2_Depth type spin default 0 min 0 max 60",
-        "option name OwnBook_Variety type spin default 25 min 0 max 100",
-        "option name SyzygyPath type string default ",
-        "option name SyzygyProbeDepth5 type spin default 0 min -5 max 100",
-        "option name SyzygyProbeDepth6 type spin default 1 min -5 max 100",
-        "option name Log type check default false",
-        "option name Ponder type check default true",
-        "option name MultiPV type spin default 1 min 1 max 255",
-        "option name Move Overhead type spin default 50 min 0 max 5000",
-        "option name UCI_LimitStrength type check default false",
-        "", // UCI_Elo: the machine's own estimate, checked below
-        "option name UCI_ShowWDL type check default false",
-        "option name UCI_Chess960 type check default false",
-        "option name Contempt type spin default 0 min -150 max 150",
-        "option name Selectivity type spin default 100 min 0 max 200",
-    };
+    std::vector<std::string> expected = {"id name Korvel 4.50",
+                                         "id author Tamsin Vell",
+                                         "option name ConfigFilePath type string default ",
+                                         "option name Hash type spin default 64 min 0 max 16384",
+                                         "option name Threads type spin default 1 min 1 max 128",
+                                         "option name Clear_Hash type button",
+                                         "option name OwnBook type check default false",
+                                         "option name OwnBook_File type string default ",
+                                         "option name OwnBook_Depth type spin default 24 min 0 max 60",
+                                         "option name OwnBook2_File type string default ",
+                                         "option name OwnBook2_Depth type spin default 0 min 0 max 60",
+                                         "option name OwnBook_Variety type spin default 25 min 0 max 100",
+                                         "option name SyzygyPath type string default ",
+                                         "option name SyzygyProbeDepth5 type spin default 0 min -5 max 100",
+                                         "option name SyzygyProbeDepth6 type spin default 1 min -5 max 100",
+                                         "option name Log type check default false",
+                                         "option name Ponder type check default true",
+                                         "option name MultiPV type spin default 1 min 1 max 255",
+                                         "option name Move Overhead type spin default 50 min 0 max 5000",
+                                         "option name UCI_LimitStrength type check default false",
+                                         "", // UCI_Elo: the machine's own estimate, checked below
+                                         "option name UCI_ShowWDL type check default false",
+                                         "option name UCI_Chess960 type check default false",
+                                         "option name Contempt type spin default 0 min -150 max 150",
+                                         "option name Selectivity type spin default 100 min 0 max 200"};
     const char* weights[13] = {"Mtl_Pawn",       "Mtl_Knight",      "Mtl_Bishop",      "Mtl_Rook",
                                "Mtl_Queen",      "Activity_Knight", "Activity_Bishop", "Activity_Rook",
                                "Activity_Queen", "Pawn_Structure",  "Passed_Pawns",    "King_Safety",
@@ -117,8 +115,7 @@ TEST(Options, SetoptionClampsAndEchoes)
         {"MoveOverhead value 100", "Move Overhead set to 100"},
         {"move overhead value 7000", "Move Overhead set to 5000"},
         {"Selectivity value abc", "Selectivity set to 0"},
-        {"UCI_ShowWDL value true", "UCI_ShowWDL set to 1"},
-    };
+        {"UCI_ShowWDL value true", "UCI_ShowWDL set to 1"}};
     for (auto [command, echo] : cases) {
         std::string got = reply(e, std::string("setoption name ") + command);
         EXPECT_EQ(got, *echo ? std::string("info string ") + echo : "") << command;

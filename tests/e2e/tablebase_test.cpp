@@ -85,4 +85,3 @@ TEST(TablebaseE2E, SwitchesAndConfigurationFilePointAtTables)
         EXPECT_EQ(e.quit(), 0);
     }
 }
-

@@ -3,8 +3,8 @@
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/notation.h"
-#include "support/engine_process.h"
 #include "search/timeman.h"
+#include "support/engine_process.h"
 #include "support/test_positions.h"
 
 #include <algorithm>

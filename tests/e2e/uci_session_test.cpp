@@ -67,4 +67,3 @@ TEST(UciSession, LogHoldsOutputAndCommands)
     EXPECT_EQ(e.wait_for("log file"), "log file in use.");
     EXPECT_EQ(e.quit(), 0);
 }
-

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <memory>
 #include <gtest/gtest.h>
+#include <memory>
 #include <unistd.h>
 #include <vector>
 

@@ -37,8 +37,14 @@ std::string transformed(const Position* pos, int (*square)(int), bool swap_colou
     return fen + (white_to_move ? " w " : " b ") + (castling.empty() ? "-" : castling) + " " + ep;
 }
 
-int flip(int sq) { return sq ^ 56; }
-int mirror(int sq) { return sq ^ 7; }
+int flip(int sq)
+{
+    return sq ^ 56;
+}
+int mirror(int sq)
+{
+    return sq ^ 7;
+}
 
 } // namespace
 

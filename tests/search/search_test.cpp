@@ -1,8 +1,8 @@
 #include "board/notation.h"
 #include "search/limits.h"
+#include "search/search_config.h"
 #include "search/search_params.h"
 #include "support/search_harness.h"
-#include "search/search_config.h"
 
 #include <gtest/gtest.h>
 

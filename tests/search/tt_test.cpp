@@ -1,9 +1,9 @@
 #include "search/tt.h"
-#include "uci/options.h"
 #include "support/test_positions.h"
+#include "uci/options.h"
 
-#include <gtest/gtest.h>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <random>
 #include <sys/mman.h>
 #include <sys/resource.h>

@@ -80,7 +80,8 @@ namespace
 
 int ms_left(std::chrono::steady_clock::time_point deadline)
 {
-    return int(std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
+    return int(
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count());
 }
 
 } // namespace

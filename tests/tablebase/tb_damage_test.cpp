@@ -2,9 +2,8 @@
 // without the tables it leads to, makes probes fail or answer exactly (the
 // fuzzer changes bytes anywhere), and probes from several threads at once
 // agree with the shared answers while tables open under them.
-#include "tablebase/tbprobe.h"
-
 #include "tablebase/tb_fixtures.h"
+#include "tablebase/tbprobe.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -80,8 +79,10 @@ int probe_all(TestBoard& board, const std::vector<ProbeAnswer>& answers, bool ex
 // promotions lead to, or its distance file) answers exactly or not at all.
 TEST(TbDamage, MissingPartnersNeverGiveAWrongAnswer)
 {
-    for (const std::vector<std::string>& files : std::vector<std::vector<std::string>>{
-             {"KRvKP.rtbw", "KRvKP.rtbz"}, {"KQvKP.rtbw", "KQvKP.rtbz"}, {"KPvKP.rtbw", "KPvKP.rtbz"}, {"KPvKP.rtbw"}}) {
+    for (const std::vector<std::string>& files : std::vector<std::vector<std::string>>{{"KRvKP.rtbw", "KRvKP.rtbz"},
+                                                                                       {"KQvKP.rtbw", "KQvKP.rtbz"},
+                                                                                       {"KPvKP.rtbw", "KPvKP.rtbz"},
+                                                                                       {"KPvKP.rtbw"}}) {
         std::string material = files[0].substr(0, files[0].find('.'));
         std::string dir = directory_with(files);
         tb_init(dir.c_str());

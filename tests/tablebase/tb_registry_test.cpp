@@ -1,9 +1,8 @@
 // Finding the tables: directory lists, the first directory winning, the
 // shared character budget of a lookup, and room for every six-man name.
-#include "tablebase/tbprobe.h"
-
 #include "tablebase/tb_files.h"
 #include "tablebase/tb_fixtures.h"
+#include "tablebase/tbprobe.h"
 
 #include <cstdio>
 #include <gtest/gtest.h>

@@ -1,8 +1,7 @@
 // The prober's core given boards no table can hold: it refuses them
 // instead of reading outside its tables.
-#include "tablebase/tbcore.h"
-
 #include "tablebase/tb_fixtures.h"
+#include "tablebase/tbcore.h"
 #include "tablebase/tbprobe.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,11 @@
 // The engine's view of the tables: every shared probe answer, the refusals
 // that keep search probes cheap, and the move chosen at the root.
-#include "tablebase/tbprobe.h"
-
 #include "board/attack_queries.h"
 #include "board/fen.h"
 #include "board/makemove.h"
 #include "board/movegen.h"
 #include "tablebase/tb_fixtures.h"
+#include "tablebase/tbprobe.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -43,17 +43,15 @@ TEST(EpdScoring, BestAndAvoidMoves)
         std::string line;
         const char* played;
         int bm, am;
-    } cases[] = {
-        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nf3", 0, 1},
-        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nc3", 0, 1},
-        {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "e2e4", 0, 0},
-        {OPENING + " bm Nf3,Nc3; id \"x\";", "Nf3", 1, 0},
-        {OPENING + " bm Nf3,Nc3; id \"x\";", "Nc3", 1, 0},
-        {OPENING + " bm Nf3,Nc3; id \"x\";", "e4", 0, 0},
-        {OPENING + " bm Nf3; am e5;", "g1f3", 1, 0},
-        {OPENING + " bm Nf3; am e5;", "b1c3", 0, 0},
-        {ROOK_CHECK + " bm \"Ra8+\",Ra9,Kh1h2;", "a1a8", 1, 0},
-    };
+    } cases[] = {{OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nf3", 0, 1},
+                 {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "Nc3", 0, 1},
+                 {OPENING + " bm Nf3 Nc3; am e4; id \"x\";", "e2e4", 0, 0},
+                 {OPENING + " bm Nf3,Nc3; id \"x\";", "Nf3", 1, 0},
+                 {OPENING + " bm Nf3,Nc3; id \"x\";", "Nc3", 1, 0},
+                 {OPENING + " bm Nf3,Nc3; id \"x\";", "e4", 0, 0},
+                 {OPENING + " bm Nf3; am e5;", "g1f3", 1, 0},
+                 {OPENING + " bm Nf3; am e5;", "b1c3", 0, 0},
+                 {ROOK_CHECK + " bm \"Ra8+\",Ra9,Kh1h2;", "a1a8", 1, 0}};
     for (const auto& c : cases) {
         Scored s(c.line);
         Move m = s.move(c.played);
