@@ -52,27 +52,6 @@ TEST(Fen, ReaderDetails)
     free_test_game(g);
 }
 
-TEST(Fen, MenOffTheBoardAreDropped)
-{
-    Game* g = new_test_game();
-    // A ninth file and a ninth rank lose their men; a short rank ends early.
-    read_fen(&g->pos, "4k3/8/8/8/8/8/8/4K3NN w - -");
-    EXPECT_EQ(g->pos.pieces[WHITE][KNIGHT], 0u);
-    EXPECT_EQ(g->pos.king_square[WHITE], 4);
-    read_fen(&g->pos, "4k3/8/8/8/8/8/8/8/4K3 w - -");
-    EXPECT_EQ(g->pos.king_square[WHITE], NO_SQUARE);
-    EXPECT_EQ(g->pos.pieces[WHITE][0], 0u);
-    read_fen(&g->pos, "4k3/3q/8/8/8/8/8/K w - -");
-    EXPECT_EQ(g->pos.board[51], piece_code(QUEEN, BLACK));
-    EXPECT_EQ(g->pos.king_square[WHITE], 0);
-    EXPECT_EQ(g->pos.phase_material[BLACK], 10);
-    // Of two kings of a side the last one read is the king.
-    read_fen(&g->pos, "4k3/8/8/8/8/8/8/K1K5 w - -");
-    EXPECT_EQ(g->pos.king_square[WHITE], 2);
-    EXPECT_STREQ(position_problem(&g->pos), "each side needs exactly one king");
-    free_test_game(g);
-}
-
 TEST(Fen, UnplayablePositionsAreNamed)
 {
     Game* g = new_test_game();
@@ -99,29 +78,3 @@ TEST(Fen, UnplayablePositionsAreNamed)
     free_test_game(g);
 }
 
-TEST(Epd, SplitterTakesOnlyTerminatedOperations)
-{
-    EpdFields f{};
-    split_epd("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 2 3 bm Nf3 Nc3; id \"x 1\"; ce 12;", &f);
-    EXPECT_STREQ(f.fen, "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -");
-    EXPECT_STREQ(f.bm, "Nf3Nc3");
-    EXPECT_STREQ(f.id, "\"x1\"");
-    EXPECT_STREQ(f.ce, "12");
-
-    EpdFields g{};
-    std::strcpy(g.id, "kept");
-    split_epd("4k3/8/8/8/8/8/8/4K3 w - - bm e4;id x", &g);
-    EXPECT_STREQ(g.bm, "e4");
-    EXPECT_STREQ(g.id, "kept");
-
-    // Operations it does not keep are passed over, kept ones after them
-    // still taken; a line end closes the FEN fields as a blank does.
-    EpdFields h{};
-    split_epd("4k3/8/8/8/8/8/8/4K3 w - - gr 0.5; c9 \"1-0\"; ce -3; sm Ke2;\r\n", &h);
-    EXPECT_STREQ(h.fen, "4k3/8/8/8/8/8/8/4K3 w - -");
-    EXPECT_STREQ(h.ce, "-3");
-    EXPECT_STREQ(h.bm, "");
-    EpdFields k{};
-    split_epd("4k3/8/8/8/8/8/8/4K3 b -\r\n", &k);
-    EXPECT_STREQ(k.fen, "4k3/8/8/8/8/8/8/4K3 b -");
-}

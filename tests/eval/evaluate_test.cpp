@@ -123,28 +123,6 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
     EXPECT_EQ(c->eval_hits, hits + 1);
     EXPECT_EQ(eval(fen, 1), fresh); // evaluated afresh at plies 0 and 1
     EXPECT_EQ(c->eval_hits, hits + 1);
-
-    // Same pawns, kings on the four wing combinations: the cache keeps them apart.
-    const char* fens[4] = {"6k1/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/6K1 w - -",
-                           "6k1/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -", "1k6/pp3ppp/8/PP6/8/8/5PPP/1K6 w - -"};
-    int cold[4];
-    for (int i = 0; i < 4; i++) {
-        clear_eval_caches(c.get());
-        cold[i] = eval(fens[i], 0);
-    }
-    clear_eval_caches(c.get());
-    for (int i = 0; i < 4; i++)
-        eval(fens[i], 2);
-    for (int i = 0; i < 4; i++) {
-        c->eval_hash[g->pos.key & (EVAL_HASH_SIZE - 1)].key = 0; // force the pawn cache path
-        set_test_position(g, fens[i]);
-        c->eval_hash[g->pos.key & (EVAL_HASH_SIZE - 1)].key = 0;
-        uint64_t pawn_hits = c->pawn_hits;
-        EXPECT_EQ(evaluate(&g->pos, c.get(), WHITE, 2, 0, nullptr), cold[i]) << fens[i];
-        EXPECT_EQ(c->pawn_hits, pawn_hits + 1);
-    }
-    EXPECT_NE(cold[0], cold[1]);
-    EXPECT_NE(cold[0], cold[2]);
 }
 
 // With the tuning flag each row records the signed weight it entered with:

@@ -48,15 +48,3 @@ TEST(SearchParams, SelectivityShapesEveryDevice)
     build_search_params();
 }
 
-TEST(SearchParams, NullMoveBudgetAndAspirationBounds)
-{
-    // Below iteration 10 only a path without a null move may try one.
-    EXPECT_TRUE(null_move_allowed(0, 9));
-    EXPECT_FALSE(null_move_allowed(1, 9));
-    EXPECT_TRUE(null_move_allowed(1, 10));
-    EXPECT_FALSE(null_move_allowed(2, 19));
-    EXPECT_TRUE(null_move_allowed(2, 20));
-    EXPECT_EQ(open_lower(-5001), -10001);
-    EXPECT_EQ(open_lower(-5000), -5000);
-    EXPECT_EQ(open_upper(5001), 10001);
-}

@@ -88,28 +88,3 @@ TEST_F(PositionCommand, VeryLongGamesKeepTheirHistoryBounded)
     EXPECT_EQ(game_position()->game_ply, 760 - 760 + 256) << "trimmed on reaching the limit";
 }
 
-TEST(GoCommand, ParsesLimits)
-{
-    reset_game_to_start();
-    limits.base_max_depth = MAX_SEARCH_DEPTH;
-    go_command("wtime -100 btime 2500 winc 30 binc 40");
-    EXPECT_EQ(limits.white_time, 0.0);
-    EXPECT_DOUBLE_EQ(limits.black_time, 2.5);
-    EXPECT_DOUBLE_EQ(limits.increment, 0.03);
-    EXPECT_EQ(limits.fixed_limit, 0);
-    EXPECT_EQ(limits.search_state, SEARCH_REQUESTED);
-    go_command("depth 200");
-    EXPECT_EQ(limits.max_depth, MAX_SEARCH_DEPTH);
-    EXPECT_EQ(limits.fixed_limit, 1);
-    go_command("nodes 100000");
-    EXPECT_GE(limits.node_limit, 96000u);
-    EXPECT_LE(limits.node_limit, 104000u);
-    go_command("movestogo 12 wtime nan");
-    EXPECT_EQ(limits.fixed_limit, 40);
-    EXPECT_EQ(limits.moves_to_go, 12);
-    EXPECT_EQ(limits.white_time, 0.0);
-    go_command("ponder movetime 1500");
-    EXPECT_EQ(limits.search_state, PONDER_REQUESTED);
-    EXPECT_DOUBLE_EQ(limits.move_time, 1.5);
-    limits.search_state = SEARCH_IDLE;
-}
