@@ -1,12 +1,8 @@
-// One fuzz input played as a whole session of the engine's command loop, in
-// process, with real search threads: the input is the session's text,
-// written in chunks of varying size with rounds of the loop between them,
-// so that lines are split and merged across reads.
-//
-// Whatever the input, the session must end: once the input is spent a UCI
-// session is sent "stop" and must come to rest, and the end of standard
-// input must make the engine quit. A session that does not is a hang,
-// reported through fuzz_fail.
+// One fuzz input played as a session of the engine's command loop in
+// process, with real search threads: the input's text is written in chunks
+// of varying size with rounds of the loop between them. Whatever the input,
+// a UCI session must come to rest after "stop", and the end of standard
+// input must make the engine quit; otherwise it is a hang (fuzz_fail).
 #pragma once
 
 #include <cstddef>

@@ -41,25 +41,20 @@ std::string read_file(const std::string& path)
 int main(int argc, char** argv)
 {
     std::mt19937_64 rng(uint64_t(std::chrono::steady_clock::now().time_since_epoch().count()));
-    long long runs = -1;
-    double max_time = 0;
-    unsigned timeout = 60;
-    size_t max_len = 4096;
+    double runs = -1, max_time = 0, timeout_flag = 60, max_len_flag = 4096;
     std::vector<std::string> seeds, dict;
     std::string artifact = std::filesystem::current_path().string() + "/";
     for (int i = 1; i < argc; i++) {
         std::string a = argv[i], name = a.substr(0, a.find('=')), v = a.substr(a.find('=') + 1);
         if (name == "-seed")
             rng.seed(std::strtoull(v.c_str(), nullptr, 10));
-        else if (name == "-runs")
-            runs = std::atoll(v.c_str());
-        else if (name == "-max_total_time")
-            max_time = std::atof(v.c_str());
-        else if (name == "-timeout")
-            timeout = unsigned(std::max(1, std::atoi(v.c_str())));
-        else if (name == "-max_len")
-            max_len = size_t(std::max(1LL, std::atoll(v.c_str())));
-        else if (name == "-artifact_prefix")
+        else if (name == "-runs" || name == "-max_total_time" || name == "-timeout" || name == "-max_len") {
+            double x = std::atof(v.c_str());
+            (name == "-runs"      ? runs
+             : name == "-max_len" ? max_len_flag
+             : name == "-timeout" ? timeout_flag
+                                  : max_time) = x;
+        } else if (name == "-artifact_prefix")
             artifact = std::filesystem::absolute(v).string(); // targets may change directory
         else if (name == "-dict") {
             // libFuzzer's lines: name="word", with \xNN escapes.
@@ -84,12 +79,14 @@ int main(int argc, char** argv)
                 files.push_back(e.path().string());
             std::sort(files.begin(), files.end()); // the same order on every machine
             for (const std::string& f : files)
-                seeds.push_back(read_file(f).substr(0, max_len));
+                seeds.push_back(read_file(f).substr(0, size_t(std::max(1.0, max_len_flag))));
         } else if (a[0] != '-') {
-            seeds.push_back(read_file(a).substr(0, max_len));
+            seeds.push_back(read_file(a).substr(0, size_t(std::max(1.0, max_len_flag))));
         }
     }
     artifact += "input";
+    unsigned timeout = unsigned(std::max(1.0, timeout_flag));
+    size_t max_len = size_t(std::max(1.0, max_len_flag));
     if (LLVMFuzzerInitialize)
         LLVMFuzzerInitialize(&argc, &argv);
 

@@ -1,12 +1,9 @@
-// The opening-book prober on any book file: the bytes after a short header
-// are the file, probed through the engine's own entry points (the search's
-// and the console's book_probe, listing included, and the reader of one
-// position's entries) on a position the header chooses. Random keys would
-// almost never meet the position, so the header can also give the entries
-// the keys of the probed position and of a few fixed ones, sorted or not.
-// Whatever the file, the prober must read inside its buffers, hand back only
-// entries of the asked key, never more than it promises, choose one of
-// them, and answer with a move that can be played here or with none.
+// The opening-book prober on any book file (the bytes after a short header),
+// through book_probe in both dialects and the reader of one position's
+// entries, on a position the header chooses; the header can give entries
+// the keys of that position or of a few fixed ones, sorted or not, since
+// random keys would never meet it. The prober must read inside its buffers,
+// return only entries of the asked key, and answer with a playable move or none.
 // fuzz-test-runs: 4000
 #include "board/fen.h"
 #include "board/legality.h"

@@ -1,13 +1,9 @@
 // The tablebase prober on any table file: the first byte names the file (a
-// handful of three- and four-man materials, WDL or DTZ) and chooses which
-// positions are probed; the rest is the file's content. It is written under
-// that name into the scratch directory, which the prober searches before
-// the shared tables (when they are there), so the other files of a probe,
-// the WDL partner of a DTZ file and the tables captures lead to, are real.
-// The prober keeps its tables in globals: every input starts with tb_init.
-// Whatever the file holds, probing must stay inside the mapping and the
-// prober's records, end, and give values in their ranges and root moves
-// that can be played.
+// few three- and four-man materials, WDL or DTZ) and seeds the positions
+// probed; the rest is its content, written into the scratch directory ahead
+// of the shared tables, so that the other files a probe needs are real.
+// Probing must stay inside the mapping, end, and give values in range and
+// root moves that can be played.
 // fuzz-test-runs: 1000
 // fuzz-max-len: 16384
 #include "board/fen.h"

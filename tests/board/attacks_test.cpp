@@ -5,15 +5,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(Attacks, BetweenIsStrictAndEmptyOffLine)
-{
-    EXPECT_EQ(BETWEEN[0][63], 0x0040201008040200ULL);
-    EXPECT_EQ(BETWEEN[0][1], 0ULL);  // neighbours
-    EXPECT_EQ(BETWEEN[0][17], 0ULL); // a knight's step apart
-    EXPECT_EQ(BETWEEN[4][60], BETWEEN[60][4]);
-    EXPECT_EQ(popcount(BETWEEN[4][60]), 6);
-}
-
 TEST(Attacks, AttackerQueriesFollowTheirOrder)
 {
     Game* g = new_test_game();

@@ -6,33 +6,6 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-namespace
-{
-
-std::string first_fields(const std::string& fen, int n = 4)
-{
-    std::istringstream in(fen);
-    std::string out, field;
-    for (int i = 0; i < n && in >> field; i++)
-        out += (i ? " " : "") + field;
-    return out;
-}
-
-} // namespace
-
-TEST(Fen, WriterGivesTheFourFieldsBack)
-{
-    Game* g = new_test_game();
-    std::vector<std::string> fens = load_test_fens(500);
-    char out[128];
-    for (const std::string& f : fens) {
-        EXPECT_EQ(set_position(&g->pos, f.c_str()), 0) << f;
-        write_fen(&g->pos, out);
-        EXPECT_EQ(out, first_fields(f)) << f;
-    }
-    free_test_game(g);
-}
-
 TEST(Fen, ReaderDetails)
 {
     Game* g = new_test_game();

@@ -220,18 +220,4 @@ TEST(Switches, CommandLine)
         EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 128 min 1 max 128"), a.end());
         EXPECT_EQ(e.quit(), 0);
     }
-    {
-        // A depth from the command line bounds every search.
-        EngineProcess e({"-d", "3"});
-        e.send_line("position startpos");
-        e.send_line("go wtime 100000 btime 100000");
-        std::vector<std::string> seen;
-        ASSERT_NE(e.wait_for("bestmove", 10000, &seen), "");
-        int deepest = 0;
-        for (const std::string& l : seen)
-            if (l.rfind("info depth ", 0) == 0)
-                deepest = std::max(deepest, std::atoi(l.c_str() + 11));
-        EXPECT_EQ(deepest, 3);
-        EXPECT_EQ(e.quit(), 0);
-    }
 }

@@ -7,19 +7,6 @@
 #include <sstream>
 #include <sys/stat.h>
 
-TEST(UciSession, HandshakeReadyAndQuit)
-{
-    EngineProcess e;
-    e.send_line("uci");
-    std::vector<std::string> seen;
-    ASSERT_EQ(e.wait_for("id name", 10000, &seen), "id name Korvel 4.50");
-    std::string line;
-    ASSERT_TRUE(e.read_line(&line));
-    EXPECT_EQ(line, "id author Tamsin Vell");
-    EXPECT_EQ(e.ask("isready", "readyok"), "readyok");
-    EXPECT_EQ(e.quit(), 0);
-}
-
 TEST(UciSession, EndOfInputActsAsQuit)
 {
     EngineProcess e;

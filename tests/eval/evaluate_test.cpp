@@ -32,17 +32,6 @@ class Evaluation : public ::testing::Test
         evaluate(&g->pos, c.get(), g->pos.side, 0, level, nullptr);
         return testing::internal::GetCapturedStdout();
     }
-    // The signed weight with which `row` entered the evaluation of `fen`
-    // (White's terms count up, Black's down).
-    float coefficient(int row, const std::string& fen)
-    {
-        set_test_position(g, fen);
-        param_table[row].coef = 0;
-        c->tuning = 1;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, nullptr);
-        c->tuning = 0;
-        return param_table[row].coef;
-    }
     Game* g = nullptr;
     std::unique_ptr<EvalCaches> c;
 };
@@ -125,61 +114,3 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
     EXPECT_EQ(c->eval_hits, hits + 1);
 }
 
-// With the tuning flag each row records the signed weight it entered with:
-// the rows' working values weighted by their coefficients give back the
-// evaluation's opening and endgame sums (to rounding).
-TEST_F(Evaluation, TuningCoefficientsAccountForTheScore)
-{
-    c->tuning = 1;
-    for (const std::string& fen : load_opening_fens(50)) {
-        for (int row = 0; row < PARAM_ROWS; row++)
-            param_table[row].coef = 0;
-        set_test_position(g, fen);
-        testing::internal::CaptureStdout();
-        c->tuning = 0;
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 1, nullptr);
-        std::string text = testing::internal::GetCapturedStdout();
-        c->tuning = 1;
-        int traced = std::atoi(text.substr(text.find("eval= ") + 6).c_str());
-        evaluate(&g->pos, c.get(), g->pos.side, 0, 0, nullptr);
-        double op = 0, eg = 0;
-        for (int row = 0; row < PARAM_ROWS; row++) {
-            op += param_table[row].coef * param_table[row].opening_f;
-            eg += param_table[row].coef * param_table[row].endgame_f;
-        }
-        double phase = c->last_phase;
-        double white_view = (1 - phase) * op + phase * eg;
-        double stm_view = g->pos.side == WHITE ? white_view : -white_view;
-        EXPECT_NEAR(stm_view, traced, 12.0) << fen;
-    }
-    c->tuning = 0;
-}
-
-// A king behind its three unmoved pawns has a full shelter: the shield term
-// takes nothing from it. A pawn moved up leaves a hole that costs.
-TEST_F(Evaluation, FullShieldCostsNothing)
-{
-    auto shield_coefficient = [&](const std::string& fen) { return coefficient(PAWN_SHIELD, fen); };
-    // Both kings castled short behind f-, g- and h-pawns on their own squares.
-    EXPECT_EQ(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1RK1 w - -"), 0.0f);
-    // The same for a king in the corner.
-    EXPECT_EQ(shield_coefficient("r2q1r1k/pp3ppp/2n5/8/8/2N5/PP3PPP/R2Q1R1K w - -"), 0.0f);
-    // White's g-pawn on g4: only the h- and f-files and g4 itself still count.
-    EXPECT_LT(shield_coefficient("r2q1rk1/pp3ppp/2n5/8/6P1/2N5/PP3P1P/R2Q1RK1 w - -"), 0.0f);
-}
-
-// A piece pinned against its king counts when the pin costs it something:
-// it cannot move along the line to take the pinner, or the pinner is worth
-// less. A rook pinned on a file by a rook, or a bishop on a diagonal by a
-// bishop, can answer the pin and costs nothing.
-TEST_F(Evaluation, PinsThatCost)
-{
-    // Pawns on the h-file keep the special endings away.
-    auto pinned_pieces = [&](const std::string& fen) { return coefficient(PINNED_PIECE, fen); };
-    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3N3P/4K3 w - -"), 1.0f) << "knight pinned by a bishop";
-    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3Q3P/4K3 w - -"), 1.0f) << "queen pinned by a bishop";
-    EXPECT_EQ(pinned_pieces("4k3/4r2p/8/8/8/8/4B2P/4K3 w - -"), 1.0f) << "bishop pinned on a file";
-    EXPECT_EQ(pinned_pieces("4k3/7p/8/b7/8/8/3B3P/4K3 w - -"), 0.0f) << "bishop against bishop";
-    EXPECT_EQ(pinned_pieces("4k3/4r2p/8/8/8/8/4R2P/4K3 w - -"), 0.0f) << "rooks pinning each other";
-    EXPECT_EQ(pinned_pieces("4k3/4n2p/8/8/8/8/4R2P/4K3 b - -"), -1.0f) << "Black's knight pinned by a rook";
-}

@@ -26,14 +26,11 @@ TEST(Kpk, AgreesWithTheTablebase)
                 if (wk == bk || wk == pawn || bk == pawn)
                     continue;
                 for (int white_to_move = 0; white_to_move < 2; white_to_move++) {
-                    char board[64] = {};
-                    board[wk] = 'K', board[bk] = 'k', board[pawn] = 'P';
-                    std::string fen;
-                    for (int rank = 7; rank >= 0; rank--) {
-                        for (int file = 0; file < 8; file++)
-                            fen += board[rank * 8 + file] ? board[rank * 8 + file] : '1';
-                        fen += rank ? "/" : white_to_move ? " w - -" : " b - -";
-                    }
+                    std::string fen(64, '1');
+                    fen[size_t(wk ^ 56)] = 'K', fen[size_t(bk ^ 56)] = 'k', fen[size_t(pawn ^ 56)] = 'P';
+                    for (int rank = 7; rank > 0; rank--)
+                        fen.insert(size_t(rank * 8), "/");
+                    fen += white_to_move ? " w - -" : " b - -";
                     set_position(&g->pos, fen.c_str());
                     if (position_problem(&g->pos) || in_check(&g->pos, g->pos.side ^ 1))
                         continue;

@@ -16,21 +16,11 @@ namespace
 // A won KQvK with White to move, far from mate.
 constexpr const char* WON = "8/8/8/4K3/8/8/3k4/1Q6 w - -";
 
-void start_two_threads()
-{
-    harness_start(2);
-    if (worker_count() < 2) {
-        stop_threads();
-        start_threads(2);
-    }
-    ASSERT_EQ(worker_count(), 2);
-}
-
 } // namespace
 
 TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
 {
-    start_two_threads();
+    harness_start(2);
     tb_init(data_path("syzygy").c_str());
 
     SearchOutcome decided = harness_search(WON, 30, "", 10);
@@ -63,7 +53,7 @@ TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
 // rook leads into a won four-man table, scored as a tablebase win.
 TEST(TbSearch, ProbesInTheTreeScoreTablebaseWins)
 {
-    start_two_threads();
+    harness_start(2);
     constexpr const char* HANGING_ROOK = "1n1r3k/8/8/8/8/8/8/K2Q4 w - -";
     tb_init(data_path("syzygy").c_str());
     SearchOutcome r = harness_search(HANGING_ROOK, 6);

@@ -36,13 +36,6 @@ class TransTableTest : public ::testing::Test
         return e;
     }
     TransEntry probe() { return probe_key(t->pos.key); }
-    void store_key(uint64_t key, int depth, int score)
-    {
-        uint64_t saved = t->pos.key;
-        t->pos.key = key;
-        tt_store(&t->pos, 3, depth, 0, score, -10001, 10001);
-        t->pos.key = saved;
-    }
     SearchThread* t = nullptr;
     const Move bc4 = make_move_code(5, 26); // Bf1-c4
 };

@@ -1,10 +1,7 @@
-// The engine's command loop inside the calling process: start-up as the
-// binary does it, then rounds of the loop with standard input replaced by a
-// pipe the caller writes to. Commands take the road a GUI's commands take
-// (non-blocking reads, lines split or merged across reads, one command a
-// round) and the search threads are real, so thread tests and fuzzers see
-// what an interface would cause, at in-process speed. Output goes wherever
-// stdout points.
+// The engine's command loop inside the calling process, standard input a
+// pipe the caller writes to: commands take a GUI's road (non-blocking reads,
+// one command a round) and the search threads are real, so thread tests and
+// fuzzers see what an interface would cause, at in-process speed.
 #pragma once
 
 #include <cstddef>
@@ -29,16 +26,13 @@ void session_write_line(const char* line);
 // Runs up to `rounds` rounds of the loop; returns 1 once quit was requested.
 int session_rounds(int rounds);
 
-// Everything written has been read and carried out, and no search is
-// requested, running or due to be reported.
+// Idle: everything written was carried out and no search is requested,
+// running or due to be reported. Returns 1 when idle (or quit) within
+// `max_rounds`.
 bool session_idle();
-
-// Rounds until the session is idle or has quit; returns 1 when that happened
-// within `max_rounds`.
 int session_until_idle(int max_rounds);
 
-// Ends standard input, which the loop reads as "quit"; returns 1 when it
-// quit within `max_rounds`.
+// Ends standard input, which the loop reads as "quit"; 1 when it quit in time.
 int session_close(int max_rounds);
 
 bool session_quit_requested();

@@ -15,25 +15,18 @@ namespace
 // The table name of a position's material, e.g. "KRPvK" (stronger side first).
 std::string material_name(const std::string& fen)
 {
-    std::string white = "K", black = "K";
-    for (char c : std::string("QRBNP")) {
-        for (char f : fen.substr(0, fen.find(' '))) {
-            if (f == c)
-                white += c;
-            if (f == char(c + 32))
-                black += c;
-        }
-    }
-    static const std::string order = "KQRBNP";
-    auto weaker = [&](const std::string& a, const std::string& b) {
-        if (a.size() != b.size())
-            return a.size() < b.size();
-        for (size_t i = 0; i < a.size(); i++)
-            if (a[i] != b[i])
-                return order.find(a[i]) > order.find(b[i]);
-        return false;
+    std::string side[2] = {"K", "K"};
+    for (char c : std::string("QRBNP"))
+        for (char f : fen.substr(0, fen.find(' ')))
+            if (f == c || f == char(c + 32))
+                side[f != c] += c;
+    auto strength = [](const std::string& s) {
+        std::string rank;
+        for (char c : s)
+            rank += char('0' + 9 - std::string("KQRBNP").find(c));
+        return std::make_pair(s.size(), rank);
     };
-    return weaker(white, black) ? black + "v" + white : white + "v" + black;
+    return strength(side[0]) < strength(side[1]) ? side[1] + "v" + side[0] : side[0] + "v" + side[1];
 }
 
 std::vector<ProbeAnswer> answers_of(const std::string& material)

@@ -102,25 +102,6 @@ TEST(TbRegistry, FirstDirectoryWins)
     remove_directory(whole);
 }
 
-// One budget of 259 characters serves a whole lookup: a long first
-// directory leaves too little for the next one, so that only the shorter
-// names of three men still reach it.
-TEST(TbRegistry, LongDirectoriesSpendTheNameBudget)
-{
-    std::string shared = shared_tables();
-    int l = int(shared.size());
-    ASSERT_LT(l, 200);
-    auto filler = [](int length) { return "/" + std::string(size_t(length - 1), 'd'); };
-    // Three men: "KQvK.rtbw" is 9 characters, four men 10; each directory
-    // also spends its length and a separator.
-    EXPECT_EQ(init_output(filler(238 - l) + ";" + shared), "info string found 5 tablebases\n");
-    EXPECT_EQ(tb_largest, 3u);
-    EXPECT_EQ(init_output(filler(239 - l) + ";" + shared), "info string found 0 tablebases\n");
-    EXPECT_EQ(tb_largest, 0u);
-    EXPECT_EQ(init_output(filler(236 - l) + ";" + shared), "info string found 35 tablebases\n");
-    tb_init("");
-}
-
 TEST(TbRegistry, EveryMaterialOfSixMenHasRoom)
 {
     std::vector<std::string> names = all_table_names();

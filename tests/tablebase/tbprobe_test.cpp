@@ -101,21 +101,6 @@ TEST(TbProbe, Refusals)
     }
 }
 
-// A mate in one is played before any other win.
-TEST(TbProbe, RootPrefersTheMate)
-{
-    tb_init(shared_tables().c_str());
-    TestBoard board;
-    Position* pos = board.set("7k/8/6K1/8/8/8/8/1Q6 w - -", 30);
-    Move move;
-    EXPECT_EQ(tb_probe_root(pos, &move), 4);
-    ASSERT_NE(move, 0);
-    make_move(pos, move);
-    MoveEntry replies[MAX_MOVES];
-    EXPECT_TRUE(in_check(pos, pos->side) && gen_legal(pos, replies) == 0) << move;
-    unmake_move(pos);
-}
-
 // The root result follows the real fifty-move count: a win whose zeroing
 // move comes too late is only a cursed win, a loss likewise saved.
 TEST(TbProbe, RootResultCountsTheFiftyMoveRule)
