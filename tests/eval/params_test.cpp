@@ -6,6 +6,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -110,4 +112,27 @@ TEST(Params, ParamsFileValuesAreBounded)
     unlink("params.txt");
     init_eval_params(0);
     ASSERT_EQ(chdir(old), 0);
+}
+
+// Rows whose values are known by name stay off the tuner's hands: the
+// squares listed for the king, knight, pawn, rook and queen tables, the
+// pawns' first and last ranks (and the doubled pawns' second) and the
+// king's queen-side files.
+TEST(Params, StatedRowsAreFrozen)
+{
+    set_frozen("all", false);
+    init_eval_params(0);
+    const std::tuple<int, const char*, int> tables[] = {
+        {PST_K, "e1 f6 g1 h1", 36},     {PST_N1, "a8 e4 f5 h8", 4}, {PST_P1, "b7 f6 g2", 19}, {PST_P2, "f7 g6", 18},
+        {PST_CP, "c7 d7 e7 f5 f7", 21}, {PST_DP, "d6", 25},         {PST_R1, "e6", 1},        {PST_Q1, "b7", 1}};
+    for (auto [table, squares, count] : tables) {
+        std::istringstream names(squares);
+        for (std::string sq; names >> sq;)
+            EXPECT_TRUE(param_table[table + (sq[1] - '1') * 8 + (sq[0] - 'a')].frozen) << table << " " << sq;
+        int frozen = 0;
+        for (int sq = 0; sq < 64; sq++)
+            frozen += param_table[table + sq].frozen != 0;
+        EXPECT_EQ(frozen, count) << table;
+    }
+    EXPECT_FALSE(param_table[PST_N1 + 36].frozen); // e5
 }
