@@ -27,10 +27,10 @@ constexpr OptionSpec pair(const char* name, Personality weight)
     return {name, OPTION_PAIR, EFFECT_NONE, 100, 20, 200, nullptr, nullptr, int8_t(weight), nullptr, nullptr};
 }
 
-#if defined(KORVEL_TUNING)
 // A tuning build offers every number worth tuning by SPSA as an integer
 // option of its own: each half of each personality weight and each search
-// setting, with the defaults and ranges of the ordinary settings.
+// setting, with the defaults and ranges of the ordinary settings. The rows
+// are compiled (and tested) in every build; only a tuning build lists them.
 template <int WEIGHT, int HALF>
 int16_t* weight_half(EngineSettings& s)
 {
@@ -58,7 +58,18 @@ constexpr OptionSpec tuned_setting()
     {                                                                                                                  \
         NAME "_Endgame", OPTION_SPIN, EFFECT_NONE, 100, 20, 200, nullptr, nullptr, 0, nullptr, &weight_half<WEIGHT, 1> \
     }
-#endif
+
+#define TUNING_ROWS                                                                                                    \
+    TUNED_WEIGHT("Mtl_Pawn", WEIGHT_MTL_PAWN), TUNED_WEIGHT("Mtl_Knight", WEIGHT_MTL_KNIGHT),                          \
+        TUNED_WEIGHT("Mtl_Bishop", WEIGHT_MTL_BISHOP), TUNED_WEIGHT("Mtl_Rook", WEIGHT_MTL_ROOK),                      \
+        TUNED_WEIGHT("Mtl_Queen", WEIGHT_MTL_QUEEN), TUNED_WEIGHT("Activity_Knight", WEIGHT_ACTIVITY_KNIGHT),          \
+        TUNED_WEIGHT("Activity_Bishop", WEIGHT_ACTIVITY_BISHOP), TUNED_WEIGHT("Activity_Rook", WEIGHT_ACTIVITY_ROOK),  \
+        TUNED_WEIGHT("Activity_Queen", WEIGHT_ACTIVITY_QUEEN), TUNED_WEIGHT("Pawn_Structure", WEIGHT_PAWN_STRUCTURE),  \
+        TUNED_WEIGHT("Passed_Pawns", WEIGHT_PASSED_PAWNS), TUNED_WEIGHT("King_Safety", WEIGHT_KING_SAFETY),            \
+        TUNED_WEIGHT("Threats", WEIGHT_THREATS), tuned_setting<SEP_DEPTH>(), tuned_setting<SEP_MULT>(),                \
+        tuned_setting<NMP_DEPTH>(), tuned_setting<FP_DEPTH>(), tuned_setting<FP_MULT>(), tuned_setting<PC_DEPTH>(),    \
+        tuned_setting<PC_RED>(), tuned_setting<PC_MARGIN>(), tuned_setting<LMP_DEPTH>(), tuned_setting<LMP_MULT>(),    \
+        tuned_setting<LMR_DEPTH>()
 
 } // namespace
 
@@ -108,34 +119,14 @@ const OptionSpec OPTIONS[] = {
     pair("King_Safety", WEIGHT_KING_SAFETY),
     pair("Threats", WEIGHT_THREATS),
 #if defined(KORVEL_TUNING)
-    TUNED_WEIGHT("Mtl_Pawn", WEIGHT_MTL_PAWN),
-    TUNED_WEIGHT("Mtl_Knight", WEIGHT_MTL_KNIGHT),
-    TUNED_WEIGHT("Mtl_Bishop", WEIGHT_MTL_BISHOP),
-    TUNED_WEIGHT("Mtl_Rook", WEIGHT_MTL_ROOK),
-    TUNED_WEIGHT("Mtl_Queen", WEIGHT_MTL_QUEEN),
-    TUNED_WEIGHT("Activity_Knight", WEIGHT_ACTIVITY_KNIGHT),
-    TUNED_WEIGHT("Activity_Bishop", WEIGHT_ACTIVITY_BISHOP),
-    TUNED_WEIGHT("Activity_Rook", WEIGHT_ACTIVITY_ROOK),
-    TUNED_WEIGHT("Activity_Queen", WEIGHT_ACTIVITY_QUEEN),
-    TUNED_WEIGHT("Pawn_Structure", WEIGHT_PAWN_STRUCTURE),
-    TUNED_WEIGHT("Passed_Pawns", WEIGHT_PASSED_PAWNS),
-    TUNED_WEIGHT("King_Safety", WEIGHT_KING_SAFETY),
-    TUNED_WEIGHT("Threats", WEIGHT_THREATS),
-    tuned_setting<SEP_DEPTH>(),
-    tuned_setting<SEP_MULT>(),
-    tuned_setting<NMP_DEPTH>(),
-    tuned_setting<FP_DEPTH>(),
-    tuned_setting<FP_MULT>(),
-    tuned_setting<PC_DEPTH>(),
-    tuned_setting<PC_RED>(),
-    tuned_setting<PC_MARGIN>(),
-    tuned_setting<LMP_DEPTH>(),
-    tuned_setting<LMP_MULT>(),
-    tuned_setting<LMR_DEPTH>(),
+    TUNING_ROWS,
 #endif
 };
 
 const int OPTION_COUNT = int(sizeof OPTIONS / sizeof *OPTIONS);
+
+const OptionSpec TUNING_OPTIONS[] = {TUNING_ROWS};
+const int TUNING_OPTION_COUNT = int(sizeof TUNING_OPTIONS / sizeof *TUNING_OPTIONS);
 
 const OptionSpec* find_option(const char* name)
 {

@@ -52,6 +52,9 @@ inline int16_t read_option(const OptionSpec& o, const EngineSettings& s)
 
 extern const OptionSpec OPTIONS[];
 extern const int OPTION_COUNT;
+// The rows a tuning build (KORVEL_TUNING) adds to OPTIONS.
+extern const OptionSpec TUNING_OPTIONS[];
+extern const int TUNING_OPTION_COUNT;
 
 // The row of an option by its name or alias in any letter case (option
 // names are not case-sensitive); null for an unknown name.
