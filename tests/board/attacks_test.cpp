@@ -5,21 +5,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(Attacks, AttackerQueriesFollowTheirOrder)
-{
-    Game* g = new_test_game();
-    // Pawn on d4 and knight on b3 both attack c5... from White: pawn b4 and knight a4.
-    set_test_position(g, "4k3/8/8/2p5/NP6/8/8/4K3 w - -");
-    int c5 = make_square(2, 4);
-    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, occupancy(&g->pos)), make_square(1, 3)); // the pawn, not the knight
-    EXPECT_EQ(find_attacker(&g->pos, c5, WHITE, occupancy(&g->pos)), make_square(1, 3));
-    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, occupancy(&g->pos) & ~bit(make_square(1, 3))), make_square(0, 3));
-    EXPECT_EQ(least_attacker(&g->pos, c5, WHITE, 0), NO_SQUARE);
-    EXPECT_TRUE(is_square_attacked(&g->pos, c5, WHITE));
-    EXPECT_FALSE(is_square_attacked(&g->pos, make_square(7, 7), WHITE));
-    free_test_game(g);
-}
-
 TEST(Legality, EnPassantAndCastlingEdgeCases)
 {
     Game* g = new_test_game();

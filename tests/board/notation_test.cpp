@@ -57,14 +57,3 @@ TEST(Notation, FormsOfOneMove)
     free_test_game(g);
 }
 
-TEST(Notation, CoordinateTextByDialect)
-{
-    char text[MOVE_TEXT_SIZE];
-    Move promo = Move(make_move_code(make_square(4, 6), make_square(4, 7)) | PROMO_KNIGHT);
-    move_to_coord(promo, text, MOVE_STYLE_UCI);
-    EXPECT_STREQ(text, "e7e8n");
-    move_to_coord(promo, text, MOVE_STYLE_CONSOLE);
-    EXPECT_STREQ(text, "e7e8=N");
-    move_to_coord(0, text, MOVE_STYLE_CONSOLE);
-    EXPECT_STREQ(text, "null");
-}

@@ -77,12 +77,3 @@ TEST(Search, SelectivityZeroStillFindsTheMate)
     build_search_params();
 }
 
-// The root counts as failing low only while no move has reached the line's
-// window: moves that merely fail to beat the best so far do not make the
-// time manager hand out more of the clock.
-TEST(Search, RootLineStateFollowsTheWindow)
-{
-    harness_start();
-    harness_search("r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq -", 8);
-    EXPECT_EQ(limits.root_line_state, 0);
-}
