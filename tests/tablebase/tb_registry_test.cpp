@@ -5,7 +5,9 @@
 #include "tablebase/tbprobe.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -161,4 +163,21 @@ TEST(TbRegistry, UnreadableFilesTakeOnlyTheirTableOut)
     EXPECT_EQ(m.fd, -1);
     tb_init("");
     remove_directory(dir);
+}
+
+// Pointing the engine at its tables again (a GUI setting SyzygyPath) gives
+// back every file and mapping of the tables probed before.
+TEST(TbRegistry, InitAgainReleasesEveryTable)
+{
+    auto open_files = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    tb_init("");
+    auto before = open_files();
+    TestBoard board;
+    for (int round = 0; round < 3; round++) {
+        tb_init(shared_tables().c_str());
+        for (const ProbeAnswer& a : load_probe_answers())
+            EXPECT_EQ(tb_probe_wdl(board.set(a.fen), 0), a.wdl + 2) << a.id;
+        tb_init("");
+        EXPECT_EQ(open_files(), before) << round;
+    }
 }
