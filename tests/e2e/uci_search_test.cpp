@@ -56,6 +56,8 @@ TEST(UciSearch, LimitsAreHonoured)
     std::vector<std::string> seen;
     EXPECT_NE(u.go("startpos", "depth 6", &seen), "");
     EXPECT_EQ(value_after(last_info(seen), "depth"), 6);
+    for (const std::string& line : seen) // the tables were built at start-up
+        EXPECT_EQ(line.find("setting search and eval params"), std::string::npos) << line;
 
     seen.clear();
     EXPECT_NE(u.go("startpos moves e2e4", "nodes 20000", &seen), "");
