@@ -1,10 +1,8 @@
-// The readers of files other programs or people wrote, on any text: with an
-// even first byte the rest is a PGN file for the book builder, the four
-// scanners of evaluation comments and the game labeller; with an odd one it
-// is params.txt, laid down as at start-up. Whatever the text, the readers
-// must stay inside their buffers and end; a built book is whole entries in
-// ascending key order; the evaluation stays defined; every parameter row's packed value is the rounding
-// of its working copies, and the table the tuner writes reads back the same.
+// Files other programs or people wrote: after an even first byte a PGN file
+// for the book builder, the comment scanners and the labeller (a built book
+// is whole entries in ascending key order); after an odd one params.txt
+// (each row packs its working values, evaluation stays defined, and what
+// the tuner writes reads back the same).
 // fuzz-test-runs: 2000
 // fuzz-max-len: 32768
 #include "board/fen.h"

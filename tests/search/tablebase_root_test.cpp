@@ -1,7 +1,5 @@
-// The search with tables: the root step that plays a distance-to-zero move
-// without searching once the fifty-move count has grown, the helpers that
-// stay idle on a tablebase root, and the win scores the probes give below a
-// root outside the tables.
+// The search with tables: the root step, its idle helpers, and the probes
+// below a root outside the tables.
 #include "search/search_thread.h"
 #include "search/threads.h"
 #include "support/engine_process.h"

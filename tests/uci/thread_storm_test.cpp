@@ -1,9 +1,6 @@
 // The command loop and eight search threads in one process, driven through
-// standard input as an interface drives them: storms of go and stop, ponder
-// and ponderhit, isready while searching, option changes between searches
-// and quit in the middle of one. Each test checks what the interface must
-// see; under ThreadSanitizer (make tsan) they also show that the threads
-// share nothing they should not.
+// standard input: what the interface must see, and under ThreadSanitizer
+// (make tsan) that the threads share nothing they should not.
 #include "board/fen.h"
 #include "board/notation.h"
 #include "search/threads.h"
