@@ -54,3 +54,14 @@ TEST(UciSession, LogHoldsOutputAndCommands)
     EXPECT_EQ(e.wait_for("log file"), "log file in use.");
     EXPECT_EQ(e.quit(), 0);
 }
+
+// A NUL or '@' inside a line reads as a blank: neither may end the command early.
+TEST(UciSession, ControlBytesInALineAreBlanks)
+{
+    EngineProcess e;
+    e.send(std::string("position startpos moves e2e4\0e7e5@g1f3 b8c6\ngo depth 1\n", 55));
+    std::string best = e.wait_for("bestmove");
+    ASSERT_GE(best.size(), 13u);
+    EXPECT_LE(best[10], '4') << best << ": White to move after four plies";
+    EXPECT_EQ(e.quit(), 0);
+}
