@@ -35,6 +35,12 @@ TEST(CarryOn, ClearHashDuringASearchWaitsForItsEnd)
     e.send_line("stop");
     ASSERT_NE(e.wait_for("bestmove", 10000), "");
     EXPECT_EQ(e.ask("isready", "info string Hash table cleared"), "info string Hash table cleared");
+    e.send_line("go depth 2"); // cleared once: the next search leaves its table alone
+    seen.clear();
+    ASSERT_NE(e.wait_for("bestmove", 10000, &seen), "");
+    e.send_line("isready");
+    ASSERT_NE(e.wait_for("readyok", 10000, &seen), "");
+    EXPECT_FALSE(has_line(seen, "info string Hash table cleared"));
     EXPECT_EQ(e.quit(), 0);
 }
 
