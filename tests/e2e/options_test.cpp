@@ -76,16 +76,14 @@ TEST(Options, TheUciAnswerInOrder)
     expected.push_back("uciok");
     ASSERT_EQ(a.size(), expected.size());
     for (size_t i = 0; i < a.size(); i++) {
-        if (expected[i].empty()) {
-            int elo = 0, max = 0;
-            ASSERT_EQ(std::sscanf(a[i].c_str(), "option name UCI_Elo type spin default %d min 1500 max %d", &elo, &max),
-                      2)
+        int elo = 0, max = 0; // the UCI_Elo line offers the machine's own estimate, at most
+        if (expected[i].empty())
+            EXPECT_TRUE(
+                std::sscanf(a[i].c_str(), "option name UCI_Elo type spin default %d min 1500 max %d", &elo, &max) == 2
+                && elo == max && max >= 1500)
                 << a[i];
-            EXPECT_EQ(elo, max);
-            EXPECT_GE(max, 1500);
-            continue;
-        }
-        EXPECT_EQ(a[i], expected[i]);
+        else
+            EXPECT_EQ(a[i], expected[i]);
     }
 }
 
@@ -213,11 +211,9 @@ TEST(Options, ConfigurationFiles)
 TEST(Switches, CommandLine)
 {
     EXPECT_EQ(EngineProcess({"-tune"}).wait_exit(), 1);
-    {
-        EngineProcess e({"-threads", "500", "-hash", "99999"});
-        EXPECT_EQ(e.wait_for("info string allocated"), "info string allocated 16384 Mbytes for hash table");
-        std::vector<std::string> a = uci_answer(e);
-        EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 128 min 1 max 128"), a.end());
-        EXPECT_EQ(e.quit(), 0);
-    }
+    EngineProcess e({"-threads", "500", "-hash", "99999"});
+    EXPECT_EQ(e.wait_for("info string allocated"), "info string allocated 16384 Mbytes for hash table");
+    std::vector<std::string> a = uci_answer(e);
+    EXPECT_NE(std::find(a.begin(), a.end(), "option name Threads type spin default 128 min 1 max 128"), a.end());
+    EXPECT_EQ(e.quit(), 0);
 }

@@ -80,7 +80,7 @@ std::vector<PerftCase> load_perft_cases(const std::string& file)
     return cases;
 }
 
-std::vector<std::string> load_opening_fens(size_t max_count)
+static std::vector<std::string> load_opening_fens(size_t max_count)
 {
     std::vector<std::string> fens;
     std::ifstream in(data_path("openings/noob_3moves_10k.epd"));

@@ -36,6 +36,5 @@ inline void set_test_position(Game* g, const std::string& fen)
 
 // The positions and counts of a perft file of the shared data.
 std::vector<PerftCase> load_perft_cases(const std::string& file = "perft.epd");
-std::vector<std::string> load_opening_fens(size_t max_count);
 // The perft positions' FENs, then the first `openings` match openings.
 std::vector<std::string> load_test_fens(size_t openings);

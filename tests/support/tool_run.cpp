@@ -36,15 +36,6 @@ std::vector<std::string> read_lines(const std::string& path)
     return lines;
 }
 
-void copy_head(const std::string& data_file, int count, const std::string& path)
-{
-    std::ifstream in(data_path(data_file));
-    std::ofstream out(path);
-    std::string l;
-    for (int i = 0; i < count && std::getline(in, l); i++)
-        out << l << "\n";
-}
-
 std::vector<std::string> starting_with(const std::vector<std::string>& lines, const std::string& prefix)
 {
     std::vector<std::string> out;

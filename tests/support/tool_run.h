@@ -15,8 +15,6 @@ ToolRun run_tool(const std::vector<std::string>& args, const std::string& dir, i
 // Lines of a text file, without their line ends.
 std::vector<std::string> read_lines(const std::string& path);
 
-// The first `count` lines of a data file, written (with "\n" ends) to `path`.
-void copy_head(const std::string& data_file, int count, const std::string& path);
 
 // Lines of `lines` that start with `prefix`.
 std::vector<std::string> starting_with(const std::vector<std::string>& lines, const std::string& prefix);

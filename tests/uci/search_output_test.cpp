@@ -4,15 +4,11 @@
 
 TEST(SearchOutput, ScoreTexts)
 {
-    char text[32];
-    score_text(9998, text, sizeof text);
-    EXPECT_STREQ(text, "mate 1");
-    score_text(9996, text, sizeof text);
-    EXPECT_STREQ(text, "mate 2");
-    score_text(-9999, text, sizeof text);
-    EXPECT_STREQ(text, "mate -1");
-    score_text(9899, text, sizeof text);
-    EXPECT_STREQ(text, "cp 9899");
-    score_text(-9900, text, sizeof text);
-    EXPECT_STREQ(text, "cp -9900");
+    const std::pair<int, const char*> cases[] = {
+        {9998, "mate 1"}, {9996, "mate 2"}, {-9999, "mate -1"}, {9899, "cp 9899"}, {-9900, "cp -9900"}};
+    for (auto [score, expected] : cases) {
+        char text[32];
+        score_text(score, text, sizeof text);
+        EXPECT_STREQ(text, expected) << score;
+    }
 }
