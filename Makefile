@@ -76,7 +76,7 @@ sanitize:
 # The tests under ThreadSanitizer: the in-process thread storms, the searches
 # and the end-to-end tests, whose engine binary is built the same way. A
 # report ends the process that made it, which fails its test. Left out: the
-# single-threaded exhaustive walks (perft counts, the KPK solver) and the
+# single-threaded exhaustive walks (perft counts, KPK against the tables) and the
 # one-thread benchmark of the node signature, which the sanitizer slows up to
 # a hundredfold and which share nothing between threads.
 TSAN_SKIP ?= ^(Perft|Kpk|Bench)\.
