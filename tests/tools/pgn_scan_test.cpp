@@ -71,13 +71,18 @@ class PgnScan : public GameAndDir
 TEST_F(PgnScan, TrainingLabelsAreTheMoversOwn)
 {
     scan({"Event \"x\"", "White \"W\"", "Black \"B\"", "Result \"0-1\""}, MOVES_42, 2, [](int i) -> std::string {
-        return i == 20 ? "book" : i == 22 ? "+M5/30 0.010s" : i == 24 ? "-1.25/18 0.2s" : pawns(i * 7 % 90 - 40);
+        return i == 20   ? "book"
+               : i == 22 ? "+M5/30 0.010s"
+               : i == 24 ? "-1.25/18 0.2s"
+               : i == 26 ? "+50.00/20 1s"
+               : i == 28 ? "-49.99/20 1s"
+                         : pawns(i * 7 % 90 - 40);
     });
     std::vector<std::string> expected;
     for (size_t i = 16; i <= 35; i++) {
-        if (i == 20 || i == 22)
-            continue; // no evaluation, a mate score
-        int ce = i == 24 ? -125 : int(i) * 7 % 90 - 40;
+        if (i == 20 || i == 22 || i == 26)
+            continue; // no evaluation, a mate score, a score of 50 pawns or more
+        int ce = i == 24 ? -125 : i == 28 ? -4999 : int(i) * 7 % 90 - 40;
         // Black won: 0 for White to move, 1 for Black to move.
         expected.push_back(fens[i] + " bm " + moves[i] + "; ce " + std::to_string(ce) + "; gr "
                            + (i % 2 ? "1.0" : "0.0") + ";");
