@@ -32,7 +32,7 @@ TEST(LabelGames, ResultsAndEvaluationsOfEveryUsablePosition)
     free_test_game(new_test_game()); // makes the hashing keys
     testing::internal::CaptureStdout();
     long count = label_games("games.pgn");
-    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "games= 2, positions= 8\n"); // progress only per 10,000
     std::vector<std::string> lines = read_lines("labelled.epd");
     ASSERT_EQ(chdir(old), 0);
     // 30 plies: positions 16 .. 23 of the first game.
