@@ -108,6 +108,7 @@ TEST(Console, DisplaysReachTheLogAndSpecialEndingsShowTheirTerms)
         epd << "8/8/8/8/8/2k5/8/KR6 w - - id \"krk\";\n";
     }
     EngineProcess e({"-c", "-log"}, dir);
+    EXPECT_EQ(e.ask("load krk.epd kqk", "tag "), "tag kqk not found");
     e.send_line("load krk.epd krk");
     e.send_line("eval 2");
     e.send_line("d");
