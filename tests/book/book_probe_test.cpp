@@ -204,13 +204,14 @@ TEST_F(BookFiles, CutAndMissingFiles)
     Move m = 0;
     EXPECT_EQ(probe(longer, &m), LISTING + "f8b4  )\n");
     EXPECT_EQ(coord(m), "f8b4");
-    EXPECT_EQ(probe(cut, &m) + std::to_string(m), "0");
+    EXPECT_EQ(probe(cut, &m), "");
+    EXPECT_EQ(m, 0);
     set_test_position(game, START_FEN);
     play({"d4"});
     EXPECT_EQ(probe(cut, &m), LISTING + "d7d5  )\n");
     for (const std::string& file : {write_raw("tiny.bin", whole.substr(0, 15)), write_raw("empty.bin", ""),
                                     dir + "/missing.bin", dir, std::string()})
-        EXPECT_EQ(probe(file, &m) + std::to_string(m), "0") << file;
+        EXPECT_TRUE(probe(file, &m).empty() && m == 0) << file;
 }
 
 // A book move the position cannot play (a key collision, a faulty book) is
