@@ -81,6 +81,12 @@ TEST(UciSearch, LimitsAreHonoured)
     // the line ends right after the move.
     EXPECT_EQ(u.go("fen 6k1/5ppp/8/8/8/8/5PPP/R5K1 w - - 0 1", "wtime 10000 btime 10000"), "bestmove a1a8");
 
+    // A changed option rebuilds the evaluation's tables before the next
+    // search: a queen up still scores as one.
+    u.e.send_line("setoption name Mtl_Pawn value 100,100");
+    EXPECT_NE(u.go("fen rnb1kbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -", "depth 3", &seen), "");
+    EXPECT_GT(value_after(last_info(seen), "cp"), 500) << last_info(seen);
+
     // A strength limit holds the node rate down to the rating's rate: the
     // nodes searched never run ahead of the time spent.
     u.e.send_line("setoption name UCI_LimitStrength value true");

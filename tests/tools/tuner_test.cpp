@@ -113,6 +113,7 @@ TEST_F(Tuner, ResultOnlyLinesTrainAndSkippedLinesAreCounted)
         }
         f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - id \"x\";\n";
         f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - ce 6000; c9 \"1-0\";\n";
+        f << "r1bqkb1r/pppppppp/2n2n2/8/8/N4N2/PPPPPPPP/R1BQKB1R w KQkq - ce 7;\n"; // trains on its score
     }
     std::vector<EvalParam> before = rows();
     testing::internal::CaptureStdout();
