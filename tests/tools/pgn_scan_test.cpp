@@ -48,7 +48,9 @@ class PgnScan : public GameAndDir
             text += (i % 2 ? "" : std::to_string(i / 2 + 1) + ". ") + moves[i] + " {" + comment(int(i)) + "}"
                     + (i % 6 == 5 ? "\n" : " ");
         std::ofstream(dir + "/in.pgn") << text << "\n\n";
+        testing::internal::CaptureStdout();
         positions = scan_pgn_files((dir + "/in.pgn").c_str(), variant, (dir + "/out").c_str(), (dir + "/side").c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout().find("game 1\n"), std::string::npos); // notes per 10,000
         out = read_lines(dir + "/out");
         side = read_lines(dir + "/side");
         fens.clear();
