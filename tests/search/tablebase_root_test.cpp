@@ -8,16 +8,9 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
-// A won KQvK with White to move, far from mate.
-constexpr const char* WON = "8/8/8/4K3/8/8/3k4/1Q6 w - -";
-
-} // namespace
-
 TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
 {
+    constexpr const char* WON = "8/8/8/4K3/8/8/3k4/1Q6 w - -"; // far from mate
     harness_start(2);
     tb_init(data_path("syzygy").c_str());
 
@@ -32,18 +25,15 @@ TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
 
     // (It may stop short of depth 10 once it sees the mate.)
     SearchOutcome searched = harness_search(WON, 10, "", 9);
-    EXPECT_GE(searched.depth, 1);
     EXPECT_LE(searched.depth, 10);
-    EXPECT_GT(searched.nodes, 0u);
-    EXPECT_NE(searched.best, 0);
+    EXPECT_TRUE(searched.nodes > 0 && searched.best != 0);
     EXPECT_EQ(worker(0)->root_tb_result, 4);
     EXPECT_EQ(worker(1)->nodes, 0u); // the helper never searched
 
     // The losing side answers at once too, with the longest resistance.
     SearchOutcome lost = harness_search("8/8/8/4K3/8/8/3k4/1Q6 b - -", 30, "", 10);
-    EXPECT_EQ(lost.depth, 99);
+    EXPECT_TRUE(lost.depth == 99 && lost.best != 0);
     EXPECT_EQ(worker(0)->root_tb_result, 0);
-    EXPECT_NE(lost.best, 0);
     tb_init("");
 }
 

@@ -1,7 +1,6 @@
 #include "tablebase/tb_fixtures.h"
 
 #include "board/fen.h"
-#include "board/position_check.h"
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
@@ -9,7 +8,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <sstream>
+#include <random>
 
 Position* TestBoard::set(const std::string& fen, int fifty)
 {
@@ -21,30 +20,46 @@ Position* TestBoard::set(const std::string& fen, int fifty)
     return &game->pos;
 }
 
-Position* TestBoard::try_set(const std::string& fen)
-{
-    Position* pos = set(START_FEN);
-    set_position(pos, fen.c_str());
-    return position_problem(pos) ? nullptr : pos;
-}
-
 std::vector<ProbeAnswer> load_probe_answers()
 {
     std::vector<ProbeAnswer> answers;
     std::ifstream in(data_path("syzygy_probes.epd"));
-    for (std::string line; std::getline(in, line);) {
-        size_t id = line.find(" id ");
-        if (id == std::string::npos)
-            continue;
-        ProbeAnswer a{line.substr(0, id), "", 0, 0};
-        std::istringstream rest(line.substr(id + 4));
-        std::string word;
-        rest >> a.id >> word >> a.wdl >> word >> word >> a.dtz; // "tb0; wdl 2; dtz 13;"
-        if (!a.id.empty() && a.id.back() == ';')
-            a.id.pop_back();
-        answers.push_back(a);
+    for (std::string line; std::getline(in, line);) { // "<fen> id tb0; wdl 2; dtz 13;"
+        size_t id = line.find(" id "), wdl = line.find(" wdl "), dtz = line.find(" dtz ");
+        if (dtz != std::string::npos)
+            answers.push_back({line.substr(0, id), std::stoi(line.substr(wdl + 5)), std::stoi(line.substr(dtz + 5))});
     }
     return answers;
+}
+
+std::vector<std::string> random_positions(const std::string& material, int count, unsigned seed)
+{
+    std::mt19937 rng(seed);
+    TestBoard board;
+    std::vector<std::string> fens;
+    while (int(fens.size()) < count) {
+        std::string men(64, '1');
+        bool white = true;
+        for (char c : material) {
+            if (c == 'v') {
+                white = false;
+                continue;
+            }
+            size_t sq;
+            do
+                sq = rng() % 64;
+            while (men[sq] != '1');
+            men[sq] = white ? c : char(c + 32);
+        }
+        std::string fen;
+        for (int rank = 7; rank >= 0; rank--)
+            fen += men.substr(size_t(rank) * 8, 8) + (rank ? "/" : rng() % 2 ? " w - -" : " b - -");
+        Position* pos = board.set(START_FEN);
+        set_position(pos, fen.c_str());
+        if (!position_problem(pos))
+            fens.push_back(fen);
+    }
+    return fens;
 }
 
 std::string shared_tables()
@@ -61,7 +76,14 @@ void write_file(const std::string& path, const std::vector<uint8_t>& bytes)
 std::string directory_with(const std::vector<std::string>& files, size_t keep)
 {
     std::string dir = make_temp_dir();
+    std::vector<std::string> names;
     for (const std::string& f : files) {
+        bool table = f.find('.') == std::string::npos;
+        names.push_back(table ? f + ".rtbw" : f);
+        if (table)
+            names.push_back(f + ".rtbz");
+    }
+    for (const std::string& f : names) {
         std::ifstream in(shared_tables() + "/" + f, std::ios::binary);
         std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
         EXPECT_FALSE(bytes.empty()) << f;
