@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <poll.h>
 #include <signal.h>
@@ -153,9 +154,22 @@ std::string data_path(const std::string& relative)
 
 std::string make_temp_dir()
 {
+    // Every scratch directory goes when the test process ends, whether or
+    // not its test cleaned up after itself.
+    static std::vector<std::string> made;
+    static bool cleanup = std::atexit([] {
+        for (const std::string& d : made) {
+            std::error_code ignored;
+            std::filesystem::remove_all(d, ignored);
+        }
+    }) == 0;
+    (void)cleanup;
     char pattern[] = "/tmp/korvel_test_XXXXXX";
     char* dir = mkdtemp(pattern);
-    return dir ? dir : "/tmp";
+    if (!dir)
+        return "/tmp";
+    made.push_back(dir);
+    return dir;
 }
 
 std::string read_text_file(const std::string& path)

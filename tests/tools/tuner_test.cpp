@@ -8,6 +8,7 @@
 #include "tools/tuner.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -24,18 +25,19 @@ class Tuner : public ::testing::Test
     {
         harness_start();
         ASSERT_NE(getcwd(old_, sizeof old_), nullptr);
-        ASSERT_EQ(chdir(make_temp_dir().c_str()), 0);
+        ASSERT_EQ(chdir((dir_ = make_temp_dir()).c_str()), 0);
         init_eval_params(0);
     }
     void TearDown() override
     {
-        unlink("params.txt");
         set_frozen("all", false);
-        init_eval_params(0);
         ASSERT_EQ(chdir(old_), 0);
+        std::filesystem::remove_all(dir_); // params.txt with it, before the table is laid down again
+        init_eval_params(0);
     }
     std::vector<EvalParam> rows() const { return {param_table, param_table + PARAM_ROWS}; }
     char old_[4096];
+    std::string dir_;
 };
 
 int changed_rows(const std::vector<EvalParam>& before)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 
 TEST(OptionTable, TuningRows)
 {
@@ -27,12 +28,12 @@ TEST(OptionTable, TuningRows)
         int16_t* field = option_value(o, s);
         if (i < 26) {
             EXPECT_EQ(std::string(o.name), std::string(weights[i / 2]) + (i % 2 ? "_Endgame" : "_Opening"));
-            EXPECT_EQ(o.def * 10000 + o.min * 100 + o.max, 100 * 10000 + 20 * 100 + 200) << o.name;
+            EXPECT_EQ(std::tie(o.def, o.min, o.max), std::make_tuple(100, 20, 200)) << o.name;
             EXPECT_EQ(field, &s.personality[i / 2][i % 2]) << o.name;
         } else {
             const auto& t = settings[i - 26];
             EXPECT_STREQ(o.name, t.name);
-            EXPECT_EQ(o.def * 1000000 + o.min * 1000 + o.max, t.def * 1000000 + t.min * 1000 + t.max) << o.name;
+            EXPECT_EQ(std::tie(o.def, o.min, o.max), std::tie(t.def, t.min, t.max)) << o.name;
             EXPECT_EQ(field, &s.search[i - 26 + 1]) << o.name; // the search settings after the leading one
         }
     }
