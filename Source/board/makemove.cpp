@@ -110,7 +110,6 @@ void make_move(Position* pos, Move move)
     if (pos->castling != old_castling)
         pos->key ^= ZOBRIST[old_castling] ^ ZOBRIST[pos->castling];
     if (castle_960) {
-        u->captured = 0; // the king "takes" its own rook
         // King and rook lift off first: either may land where the other stood.
         bool king_side = to > from;
         remove_keyed(pos, from);
@@ -210,7 +209,6 @@ void make_null(Position* pos)
     UndoRecord* u = &pos->undo[pos->game_ply];
     u->key = pos->key;
     u->move = 0;
-    u->captured = 0;
     u->ep_square = pos->ep_square;
     u->fifty = pos->fifty;
     u->castling = pos->castling;

@@ -17,6 +17,24 @@ bool numa_binding = false;
 std::mutex info_lock;
 std::mutex stats_lock;
 
+void parse_cpu_list(const char* list, cpu_set_t* set)
+{
+    CPU_ZERO(set);
+    // "0-3,8-11": ranges and single CPUs separated by commas.
+    for (const char* p = list; *p;) {
+        char* end = nullptr;
+        long a = std::strtol(p, &end, 10);
+        if (end == p)
+            break;
+        long b = a;
+        if (*end == '-')
+            b = std::strtol(end + 1, &end, 10);
+        for (long c = a; c <= b && c >= 0 && c < CPU_SETSIZE; c++)
+            CPU_SET(int(c), set);
+        p = *end == ',' ? end + 1 : end + std::strlen(end);
+    }
+}
+
 namespace
 {
 
@@ -51,21 +69,7 @@ void read_numa_nodes()
         std::fclose(f);
         if (!read)
             break;
-        cpu_set_t& set = node_cpus[node_count++];
-        CPU_ZERO(&set);
-        // "0-3,8-11": ranges and single CPUs separated by commas.
-        for (char* p = list; *p;) {
-            char* end = nullptr;
-            long a = std::strtol(p, &end, 10);
-            if (end == p)
-                break;
-            long b = a;
-            if (*end == '-')
-                b = std::strtol(end + 1, &end, 10);
-            for (long c = a; c <= b && c >= 0 && c < CPU_SETSIZE; c++)
-                CPU_SET(int(c), &set);
-            p = *end == ',' ? end + 1 : end + std::strlen(end);
-        }
+        parse_cpu_list(list, &node_cpus[node_count++]);
     }
 }
 
@@ -100,7 +104,7 @@ void* worker_main(void* arg)
         } else if (command == CMD_CLEAR_HASH) {
             tt_clear_slice(number, count);
             t->command = CMD_IDLE;
-        } else if (command > 90) {
+        } else if (command == CMD_QUIT) {
             break;
         }
     }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <sched.h>
 
 struct SearchThread;
 
@@ -27,6 +28,9 @@ void start_search_threads();
 
 // Zeroes the hash table; with several workers each clears its own slice.
 void clear_hash_table();
+
+// The CPUs of a sysfs list such as "0-3,8-11"; nothing past what cannot be read.
+void parse_cpu_list(const char* list, cpu_set_t* set);
 
 // Bind workers to NUMA nodes (the -numa switch; always with more than 32 threads).
 extern bool numa_binding;

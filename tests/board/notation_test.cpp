@@ -50,10 +50,11 @@ TEST(Notation, FormsOfOneMove)
     EXPECT_STREQ(san, "exd6");
     EXPECT_STREQ(sf, "ed");
     EXPECT_STREQ(sr, "");
+    set_test_position(g, "4k3/8/8/8/8/8/1p6/R3K3 b - -"); // the short form names no square, not even a1
+    EXPECT_EQ(parse(&g->pos, "ba=Q"), Move(make_move_code(make_square(1, 1), 0) | PROMO_QUEEN));
     set_test_position(g, "4k3/8/8/8/8/8/8/R3K3 w - -");
     move_texts(&g->pos, make_move_code(0, 56), coord, san, sf, sr);
     EXPECT_STREQ(san, "Ra8+");
     EXPECT_STREQ(coord, "a1a8+");
     free_test_game(g);
 }
-

@@ -58,6 +58,11 @@ TEST(Console, GameWordsAndEngineMoves)
     std::string pv = e.wait_for("PV: ");
     EXPECT_GT(pv.size(), 6u);
 
+    // Training from a file of the user's, however short its name.
+    std::ofstream(dir + "/t") << "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - ce 20; gr 1.0;\n";
+    EXPECT_EQ(e.ask("tune t 0.5 3", "Training using ").rfind("Training using t, ", 0), 0u);
+    EXPECT_NE(e.wait_for("done!"), "");
+
     EXPECT_EQ(e.quit(), 0);
     std::string pgn = read_text_file(dir + "/tmp.pgn");
     EXPECT_EQ(pgn.rfind("[Event \"Unknown\"]\n", 0), 0u);

@@ -104,6 +104,7 @@ TEST(UciSearch, InfiniteAndPonderWaitForTheInterface)
     Uci u;
     u.e.send_line("position startpos");
     u.e.send_line("go infinite");
+    EXPECT_NE(u.e.wait_for("info depth 8 ", 5000), ""); // no limit left over
     std::string line;
     std::vector<std::string> seen;
     // Nothing is reported while the search runs, even when asked if ready.

@@ -48,6 +48,8 @@ TEST_F(Evaluation, SpecialEndings)
     // Knight and dark-squared bishop: the weak king is driven to a dark
     // corner, so a1 is worth more to White than the light corner a8.
     EXPECT_GT(eval("8/8/8/8/8/2K5/8/k1BN4 w - -"), eval("k7/8/8/8/8/2K5/8/2BN4 w - -") + 20);
+    // a1 is seven steps off the long light diagonal, the strong king is central, kings two apart.
+    EXPECT_EQ(eval("8/8/8/8/8/2K5/8/k1BN4 b - -"), -(740 + 8 * 7 + 10 * 2 - 6 * 2));
     // King and pawn: a won and a drawn case keep their sign and size apart.
     int draw = eval("4k3/8/4P3/4K3/8/8/8/8 w - -"); // White to move only stalemates
     int win = eval("8/8/8/8/8/4K3/4P3/2k5 w - -");  // king in front of its pawn
@@ -113,4 +115,3 @@ TEST_F(Evaluation, CachesFromTheSecondPly)
     EXPECT_EQ(eval(fen, 1), fresh); // evaluated afresh at plies 0 and 1
     EXPECT_EQ(c->eval_hits, hits + 1);
 }
-

@@ -32,8 +32,10 @@ TEST(TbSearch, RootDecidesOnceTheFiftyMoveCountPassesNine)
 
     // The losing side answers at once too, with the longest resistance.
     SearchOutcome lost = harness_search("8/8/8/4K3/8/8/3k4/1Q6 b - -", 30, "", 10);
-    EXPECT_TRUE(lost.depth == 99 && lost.best != 0);
+    EXPECT_TRUE(lost.depth == 99 && lost.best != 0 && lost.score == -9800);
     EXPECT_EQ(worker(0)->root_tb_result, 0);
+    SearchOutcome drawn = harness_search("8/8/8/R7/6K1/8/5b2/4k3 b - -", 30, "", 10);
+    EXPECT_TRUE(drawn.depth == 99 && drawn.score == 0 && worker(0)->root_tb_result == 2);
     tb_init("");
 }
 

@@ -5,6 +5,7 @@
 #include "uci/uci_commands.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace
 {
@@ -123,6 +124,33 @@ TEST_F(TimeManagement, StopTests)
     // Untimed searches never stop on the clock.
     limits.search_mode = MODE_PONDER;
     EXPECT_FALSE(time_is_up(1000.0, 20));
+}
+
+// Nothing of the search before is left when the next one is prepared.
+TEST_F(TimeManagement, EachSearchStartsAfresh)
+{
+    limits.stop_signal = STOP_LIMIT;
+    limits.single_reply = 1;
+    limits.root_line_state = 2;
+    limits.search_started = true;
+    limits.best_change_depth = limits.completed_depth = 9;
+    limits.best_move = limits.ponder_move = limits.best_line[0] = 77;
+    limits.best_score = 50;
+    limits.nodes_at_depth[9] = limits.root_score_by_depth[9] = 5;
+    target(10, 0);
+    std::vector<int> left = {limits.stop_signal,
+                             limits.single_reply,
+                             limits.root_line_state,
+                             limits.search_started,
+                             limits.best_change_depth,
+                             limits.completed_depth,
+                             limits.best_move,
+                             limits.ponder_move,
+                             limits.best_line[0],
+                             limits.best_score,
+                             int(limits.nodes_at_depth[9]),
+                             limits.root_score_by_depth[9]};
+    EXPECT_EQ(left, std::vector<int>(left.size(), 0));
 }
 
 // The strength limit's node rate: more rating needs more nodes a second,

@@ -64,6 +64,7 @@ TEST_F(Tuner, TargetsFromTheLabels)
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; gr 1;", BLACK, 0), 0.95f);
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", BLACK, 0), 0.05f);
     EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1-0\";", WHITE, 0), 0.95f);
+    EXPECT_FLOAT_EQ(tuning_target("x ce 0; c9 \"1/2-1/2\";", BLACK, 0), 0.5f);
     EXPECT_FLOAT_EQ(tuning_target("x [0.0] ce 40;", BLACK, 40), 1.0f);
     EXPECT_FLOAT_EQ(tuning_target("x ce 200;", WHITE, 200), float(win_probability(200)));
 }
