@@ -7,6 +7,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -65,5 +67,27 @@ TEST(EpdSuiteRun, AwkwardLines)
         EXPECT_EQ(run.status, 0);
         EXPECT_TRUE(starting_with(run.lines, "Analyzing").empty()) << suite;
     }
+    std::filesystem::remove_all(dir);
+}
+
+// Limits and dialect from the command line: a node limit stops at the
+// first node past it, and asking for none is asking for one; after -c,
+// -uci brings back the interface's info lines.
+TEST(EpdSuiteRun, CommandLineLimitsAndDialect)
+{
+    std::string dir = make_temp_dir();
+    std::ofstream(dir + "/s.epd") << "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - bm Bb5;\n";
+    auto run = [&](std::vector<std::string> args) {
+        args.insert(args.end(), {"-hash", "16", "-anepd", "s.epd"});
+        ToolRun r = run_tool(args, dir);
+        std::vector<std::string> moves = starting_with(r.lines, "move= ");
+        std::string nodes = moves.empty() ? "" : moves[0].substr(moves[0].find("nodes= "));
+        return nodes.substr(0, nodes.find(',')) + (starting_with(r.lines, "info depth ").empty() ? "" : " info");
+    };
+    EXPECT_EQ(run({"-n", "3000"}), "nodes= 3001 info");
+    EXPECT_EQ(run({"-n", "0"}), run({"-n", "1"}));
+    std::string console = run({"-c", "-d", "2"});
+    EXPECT_EQ(console.find(" info"), std::string::npos);
+    EXPECT_EQ(run({"-c", "-uci", "-d", "2"}), console + " info");
     std::filesystem::remove_all(dir);
 }

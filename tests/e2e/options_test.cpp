@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -146,6 +149,18 @@ TEST(Options, SetoptionClampsAndEchoes)
     EXPECT_GT(w, 0);
     EXPECT_GT(d, 0);
     EXPECT_GT(l, 0);
+    // A mate found is a certain result.
+    for (const auto& [fen, chances] : std::vector<std::pair<std::string, std::string>>{
+             {"6k1/5ppp/8/8/8/8/5PPP/R5K1 w - -", " wdl 1000 0 0"}, {"k7/8/1K6/8/8/8/8/7R b - -", " wdl 0 0 1000"}}) {
+        e.send_line("position fen " + fen);
+        e.send_line("go depth 4");
+        seen.clear();
+        EXPECT_NE(e.wait_for("bestmove", 10000, &seen), "");
+        std::string last;
+        for (const std::string& line : seen)
+            last = line.find(" wdl ") != std::string::npos ? line : last;
+        EXPECT_NE(last.find(chances), std::string::npos) << last;
+    }
     EXPECT_EQ(e.quit(), 0);
 }
 

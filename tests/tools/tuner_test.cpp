@@ -103,6 +103,19 @@ TEST_F(Tuner, WhichRowsMoveAndTheSearchSeesThem)
     EXPECT_EQ(cached, fresh);
 }
 
+// Black's lines move the rows, which hold White's view, the other way.
+TEST_F(Tuner, BlackToMoveTrainsItsOwnView)
+{
+    const char* fen = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/R2QKB1R b KQ -";
+    SearchThread* t = worker(0);
+    set_position(&t->pos, fen);
+    int before = evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr);
+    std::ofstream("black.epd") << fen << " ce 0; gr 0.0;\n";
+    tune("black.epd", 5.0, 1, 20);
+    set_position(&t->pos, fen);
+    EXPECT_LT(evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr), before);
+}
+
 // The common tuning sets label a position with the game's result alone:
 // such lines train towards the result, lines with neither a score nor a
 // result are skipped and counted, and the run leaves params.txt behind.
