@@ -16,7 +16,6 @@ CheckInfo check_info(const Position* pos)
     ci.check_squares[ROOK] = rook_attacks(ek, ci.occ);
     ci.check_squares[QUEEN] = ci.check_squares[BISHOP] | ci.check_squares[ROOK];
     ci.check_squares[KING] = 0;
-    ci.check_squares[7] = 0;
     ci.discoverers = 0;
     const Bitboard* p = pos->pieces[s];
     Bitboard snipers = ((p[BISHOP] | p[QUEEN]) & BISHOP_RAYS[ek]) | ((p[ROOK] | p[QUEEN]) & ROOK_RAYS[ek]);

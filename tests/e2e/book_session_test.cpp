@@ -5,7 +5,6 @@
 #include "support/test_positions.h"
 #include "support/tool_run.h"
 
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 
@@ -73,5 +72,4 @@ TEST(BookSession, BookMovesAndOptions)
     EXPECT_FALSE(starting_with(seen, "info depth").empty());
     EXPECT_NE(seen.back(), "bestmove e2d3");
     EXPECT_EQ(e.quit(), 0);
-    std::filesystem::remove_all(dir);
 }

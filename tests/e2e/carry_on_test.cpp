@@ -4,7 +4,6 @@
 #include "support/engine_process.h"
 #include "support/tool_run.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -58,5 +57,4 @@ TEST(CarryOn, ATraceThatCannotBeWrittenIsSwitchedOff)
     EXPECT_EQ(e.ask("move", "info string cannot write"), "info string cannot write trace.txt: trace switched off");
     EXPECT_NE(e.wait_for("1. move ", 30000), "");
     EXPECT_EQ(e.quit(), 0);
-    std::filesystem::remove_all(dir);
 }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -124,5 +123,4 @@ TEST(Console, DisplaysReachTheLogAndSpecialEndingsShowTheirTerms)
          {"           white  black    pos    mtl\n", "pawns:   ", "rooks:    ", "other:   ", "\neval= ", "\nmtl_pawn  ",
           "\nQueen2\n", "8/8/8/8/8/2k5/8/KR6 w - -", "\n  K R + - + - + -\nwhite\n"})
         EXPECT_NE(log.find(expected), std::string::npos) << expected << "\n" << log;
-    std::filesystem::remove_all(dir);
 }

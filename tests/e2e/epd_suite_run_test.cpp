@@ -67,12 +67,10 @@ TEST(EpdSuiteRun, AwkwardLines)
         EXPECT_EQ(run.status, 0);
         EXPECT_TRUE(starting_with(run.lines, "Analyzing").empty()) << suite;
     }
-    std::filesystem::remove_all(dir);
 }
 
 // Limits and dialect from the command line: a node limit stops at the
-// first node past it, and asking for none is asking for one; after -c,
-// -uci brings back the interface's info lines.
+// first node past it; after -c, -uci brings back the interface's info lines.
 TEST(EpdSuiteRun, CommandLineLimitsAndDialect)
 {
     std::string dir = make_temp_dir();
@@ -85,9 +83,7 @@ TEST(EpdSuiteRun, CommandLineLimitsAndDialect)
         return nodes.substr(0, nodes.find(',')) + (starting_with(r.lines, "info depth ").empty() ? "" : " info");
     };
     EXPECT_EQ(run({"-n", "3000"}), "nodes= 3001 info");
-    EXPECT_EQ(run({"-n", "0"}), run({"-n", "1"}));
     std::string console = run({"-c", "-d", "2"});
     EXPECT_EQ(console.find(" info"), std::string::npos);
     EXPECT_EQ(run({"-c", "-uci", "-d", "2"}), console + " info");
-    std::filesystem::remove_all(dir);
 }

@@ -38,7 +38,6 @@ TEST(TuneDataRun, FiltersAndABrokenPosition)
     run = run_tool({"-hash", "16", "-d", "3", "-mktune", "missing.epd"}, dir);
     EXPECT_EQ(run.status, 0);
     EXPECT_TRUE(starting_with(run.lines, "Creating").empty());
-    std::filesystem::remove_all(dir);
 }
 
 // -train from the command line, with -freeze and -thaw choosing the rows
@@ -72,5 +71,4 @@ TEST(TuneDataRun, TrainingHonoursFreezeAndThaw)
     }
     EXPECT_GT(changed, 2);
     EXPECT_EQ(one_row_changes, 1);
-    std::filesystem::remove_all(dir);
 }

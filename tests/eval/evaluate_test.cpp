@@ -60,6 +60,8 @@ TEST_F(Evaluation, SpecialEndings)
     EXPECT_EQ(eval("4k3/8/4K3/4P3/8/8/8/8 b - -"), -(800 + 25 * 4 - 3 * 1 + 3 * 3));
     EXPECT_GT(win, 700);
     EXPECT_EQ(eval("8/8/8/8/8/4K3/4P3/2k5 b - -") < -700, true);
+    // Opposition: the side to move decides.
+    EXPECT_TRUE(eval("8/8/3k4/8/3K4/3P4/8/8 w - -") < 50 && eval("8/8/3k4/8/3K4/3P4/8/8 b - -") < -700);
     // Bare kings against men that make no special ending get the full
     // evaluation.
     EXPECT_GT(eval("4k3/8/8/8/8/8/PP6/4K3 w - -"), 100);

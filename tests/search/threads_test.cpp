@@ -47,12 +47,10 @@ TEST(Threads, CpuListsOfTheNodes)
         cpu_set_t set;
         parse_cpu_list(text, &set);
         std::string seen;
-        for (int c = 0; c < 64; c++)
+        for (int c = 0; c < 10; c++)
             seen += CPU_ISSET(c, &set) ? "1" : ".";
-        return seen.substr(0, seen.find_last_of('1') + 1);
+        return seen + " ";
     };
-    EXPECT_EQ(cpus("0-3,8-9\n"), "1111....11");
-    EXPECT_EQ(cpus("2,5"), "..1..1");
-    EXPECT_EQ(cpus("1,x,3"), ".1");
-    EXPECT_EQ(cpus("\n"), "");
+    EXPECT_EQ(cpus("0-3,8-9\n") + cpus("2,5") + cpus("1,x,3") + cpus("\n"),
+              "1111....11 ..1..1.... .1........ .......... ");
 }

@@ -5,7 +5,6 @@
 #include "uci/uci_commands.h"
 
 #include <gtest/gtest.h>
-#include <vector>
 
 namespace
 {
@@ -138,19 +137,10 @@ TEST_F(TimeManagement, EachSearchStartsAfresh)
     limits.best_score = 50;
     limits.nodes_at_depth[9] = limits.root_score_by_depth[9] = 5;
     target(10, 0);
-    std::vector<int> left = {limits.stop_signal,
-                             limits.single_reply,
-                             limits.root_line_state,
-                             limits.search_started,
-                             limits.best_change_depth,
-                             limits.completed_depth,
-                             limits.best_move,
-                             limits.ponder_move,
-                             limits.best_line[0],
-                             limits.best_score,
-                             int(limits.nodes_at_depth[9]),
-                             limits.root_score_by_depth[9]};
-    EXPECT_EQ(left, std::vector<int>(left.size(), 0));
+    EXPECT_EQ(limits.stop_signal + limits.single_reply + limits.root_line_state + limits.search_started
+                  + limits.best_change_depth + limits.completed_depth + limits.best_move + limits.ponder_move
+                  + limits.best_line[0] + limits.best_score + limits.nodes_at_depth[9] + limits.root_score_by_depth[9],
+              0u);
 }
 
 // The strength limit's node rate: more rating needs more nodes a second,

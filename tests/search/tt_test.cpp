@@ -2,8 +2,10 @@
 #include "support/test_positions.h"
 #include "uci/options.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -100,6 +102,35 @@ TEST_F(TransTableTest, StoreProbeAndRefusals)
 
     tt.use_hash = 0;
     EXPECT_LT(probe().depth, -9);
+}
+
+// A full bucket of this search gives up its shallowest draft, the first of
+// equals, unless the new one is more than 7 shallower still; a new search
+// takes the first slot of an older one, however deep.
+TEST_F(TransTableTest, AFullBucketGivesUpItsShallowestOrOldestDraft)
+{
+    struct {
+        std::vector<int> stored, kept; // -9: not found
+        bool new_search = false;       // for the last one stored
+    } cases[] = {{{6, 4, 8, 5, 3}, {6, -9, 8, 5, 3}},       {{4, 4, 4, 4, 3}, {-9, 4, 4, 4, 3}},
+                 {{6, 6, 4, 4, 3}, {6, 6, -9, 4, 3}},       {{4, 5, 4, 6, 3}, {-9, 5, 4, 6, 3}},
+                 {{9, 9, 9, 9, 2}, {-9, 9, 9, 9, 2}},       {{9, 9, 9, 9, 1}, {9, 9, 9, 9, -9}},
+                 {{20, 3, 3, 3, 1}, {-9, 3, 3, 3, 1}, true}};
+    const uint64_t saved = t->pos.key;
+    for (uint64_t c = 0; c < std::size(cases); c++) {
+        auto key = [&](uint64_t n) { return saved + (c << 10) + (n << 24); }; // a bucket each, a lock each
+        ASSERT_EQ(tt_bucket_index(key(0)), tt_bucket_index(key(4)));
+        for (uint64_t n = 0; n < 5; n++) {
+            tt.age = n == 4 && cases[c].new_search ? 2 : 1;
+            t->pos.key = key(n);
+            tt_store(&t->pos, 3, cases[c].stored[n], 0, 10, 0, 100);
+        }
+        t->pos.key = saved;
+        std::vector<int> kept;
+        for (uint64_t n = 0; n < 5; n++)
+            kept.push_back(std::max<int>(probe_key(key(n)).depth, -9));
+        EXPECT_EQ(kept, cases[c].kept) << c;
+    }
 }
 
 TEST_F(TransTableTest, TornEntriesAndForeignMovesAreMisses)

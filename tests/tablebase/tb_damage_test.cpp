@@ -68,7 +68,6 @@ TEST(TbDamage, MissingOrCutTablesAnswerExactlyOrNotAtAll)
         }
         testing::internal::GetCapturedStderr();
         EXPECT_TRUE(answered > 0 && refused > 0) << name;
-        remove_directory(dir);
     }
     tb_init("");
 }

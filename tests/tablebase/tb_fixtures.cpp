@@ -4,7 +4,6 @@
 #include "support/engine_process.h"
 #include "support/test_positions.h"
 
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -91,10 +90,4 @@ std::string directory_with(const std::vector<std::string>& files, size_t keep)
         write_file(dir + "/" + f, bytes);
     }
     return dir;
-}
-
-void remove_directory(const std::string& dir)
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(dir, ignored);
 }

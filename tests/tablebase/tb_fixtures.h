@@ -30,9 +30,8 @@ std::vector<std::string> random_positions(const std::string& material, int count
 // The shared 3- and 4-man tables.
 std::string shared_tables();
 
-// A fresh temporary directory holding copies of the named shared files
+// A fresh temporary directory (gone when the tests end) holding copies of the named shared files
 // ("KQvK.rtbw", or "KQvK" for both of its files), each cut to at most
 // `keep` bytes.
 std::string directory_with(const std::vector<std::string>& files, size_t keep = SIZE_MAX);
-void remove_directory(const std::string& dir);
 void write_file(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -92,8 +92,6 @@ TEST(TbRegistry, DirectoryListsNameBudgetAndRoomForEveryName)
     EXPECT_EQ(probe(board, KQK), -1); // nothing in those files is a table
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
     tb_init("");
-    for (const std::string& d : {a, b, c})
-        remove_directory(d);
 }
 
 // A table in two directories counts once and is read from the first; here
@@ -113,8 +111,6 @@ TEST(TbRegistry, FirstDirectoryWins)
     EXPECT_EQ(init_output(whole + ";" + cut), "info string found 2 tablebases\n");
     EXPECT_EQ(probe(board, KQK), 4);
     tb_init("");
-    remove_directory(cut);
-    remove_directory(whole);
 }
 
 // A file that vanishes, cannot be measured or is no file at all takes only
@@ -147,5 +143,4 @@ TEST(TbRegistry, FilesThatVanishOrCannotBeReadAreReported)
               std::string::npos);
     EXPECT_EQ(m.fd, -1);
     tb_init("");
-    remove_directory(dir);
 }

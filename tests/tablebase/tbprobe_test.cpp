@@ -56,7 +56,6 @@ TEST(TbProbe, Refusals)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Corrupted table.\n");
     EXPECT_EQ(tb_probe_wdl(board.set("8/8/8/8/8/2k5/8/KQ6 w - -"), 0), 4);
     tb_set_probe_depths(0, 1);
-    remove_directory(dir);
 
     for (const char* path : {"", "<empty>"}) {
         tb_init(shared_tables().c_str());

@@ -101,19 +101,15 @@ TEST_F(Tuner, WhichRowsMoveAndTheSearchSeesThem)
     int fresh = evaluate(&t->pos, &t->eval, t->pos.side, 0, 0, nullptr);
     EXPECT_LT(fresh, old_eval); // trained towards a loss
     EXPECT_EQ(cached, fresh);
-}
 
-// Black's lines move the rows, which hold White's view, the other way.
-TEST_F(Tuner, BlackToMoveTrainsItsOwnView)
-{
-    const char* fen = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/R2QKB1R b KQ -";
-    SearchThread* t = worker(0);
-    set_position(&t->pos, fen);
-    int before = evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr);
-    std::ofstream("black.epd") << fen << " ce 0; gr 0.0;\n";
+    // Black's lines move the rows, which hold White's view, the other way.
+    const char* black = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/R2QKB1R b KQ -";
+    set_position(&t->pos, black);
+    old_eval = evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr);
+    std::ofstream("black.epd") << black << " ce 0; gr 0.0;\n";
     tune("black.epd", 5.0, 1, 20);
-    set_position(&t->pos, fen);
-    EXPECT_LT(evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr), before);
+    set_position(&t->pos, black);
+    EXPECT_LT(evaluate(&t->pos, &t->eval, BLACK, 0, 0, nullptr), old_eval);
 }
 
 // The common tuning sets label a position with the game's result alone:
