@@ -22,6 +22,8 @@ TEST(Fen, ReaderDetails)
     // A right without its rook is removed (and reported).
     EXPECT_EQ(set_position(&g->pos, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBN1 w KQkq - 0 1"), -1);
     EXPECT_EQ(g->pos.castling, 2 | 4 | 8);
+    EXPECT_EQ(set_position(&g->pos, "r3k2r/8/8/8/8/8/4K3/R6R w KQkq - 0 1"), -1); // nor without its king
+    EXPECT_EQ(g->pos.castling, 4 | 8);
     free_test_game(g);
 }
 

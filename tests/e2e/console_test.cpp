@@ -66,6 +66,21 @@ TEST(Console, GameWordsAndEngineMoves)
     std::string pgn = read_text_file(dir + "/tmp.pgn");
     EXPECT_EQ(pgn.rfind("[Event \"Unknown\"]\n", 0), 0u);
     EXPECT_NE(pgn.find("1. e4 e5 2. Nf3 Nc6"), std::string::npos) << pgn;
+
+    // A game from a set-up position, Black to move, wraps after 70 columns.
+    const char* fen = "rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -";
+    std::ofstream(dir + "/p.epd") << fen << " id \"a\";\n";
+    EngineProcess f({"-c"}, dir);
+    f.send_line("load p.epd");
+    for (const char* m :
+         {"Nc6", "Bb5", "a6",  "Ba4", "Nf6", "O-O", "Be7",  "Re1",  "b5",  "Bb3", "d6",  "c3",  "O-O", "h3",
+          "Bb7", "d4",  "Re8", "a4",  "h6",  "Bc2", "exd4", "cxd4", "Nb4", "d5",  "Nd7", "Ra3", "f5",  "save"})
+        f.send_line(m);
+    EXPECT_EQ(f.quit(), 0);
+    EXPECT_EQ(read_text_file(dir + "/tmp.pgn"),
+              "[Event \"Unknown\"]\n[SetUp \"1\"]\n[FEN \"" + std::string(fen)
+                  + " 0 1\"]\n\n1... Nc6 2. Bb5 a6 3. Ba4 Nf6 4. O-O Be7 5. Re1 b5 6. Bb3 d6 7. c3 O-O \n"
+                    "8. h3 Bb7 9. d4 Re8 10. a4 h6 11. Bc2 exd4 12. cxd4 Nb4 13. d5 Nd7 14. Ra3 \nf5 *\n\n");
 }
 
 // Words typed while the engine thinks: perft counts on a record of its
