@@ -63,20 +63,22 @@ TEST(Console, GameWordsAndEngineMoves)
 
     EXPECT_EQ(e.quit(), 0);
 
-    // A game from a set-up position, Black to move, wraps after 70 columns.
-    const char* fen = "rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -";
+    // A game from a set-up position, Black to move: a line goes on at 70
+    // columns and wraps past them.
+    const char* fen = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -";
     std::ofstream(dir + "/p.epd") << fen << " id \"a\";\n";
     EngineProcess f({"-c"}, dir);
     f.send_line("load p.epd");
     for (const char* m :
-         {"Nc6", "Bb5", "a6",  "Ba4", "Nf6", "O-O", "Be7",  "Re1",  "b5",  "Bb3", "d6",  "c3",  "O-O", "h3",
-          "Bb7", "d4",  "Re8", "a4",  "h6",  "Bc2", "exd4", "cxd4", "Nb4", "d5",  "Nd7", "Ra3", "f5",  "save"})
+         {"c5", "c3",  "Qa5", "Nf3",  "Nc6",  "g3",  "Nf6", "Qe2", "d5",  "exd5", "Nxd5", "Bg2", "Bg4", "h3",  "Bh5",
+          "d3", "Nd4", "Qe4", "Bxf3", "Bxf3", "Rd8", "Bd1", "Nc6", "Nd2", "Qc7",  "O-O",  "e6",  "a4",  "Bd6", "save"})
         f.send_line(m);
     EXPECT_EQ(f.quit(), 0);
-    EXPECT_EQ(read_text_file(dir + "/tmp.pgn"),
-              "[Event \"Unknown\"]\n[SetUp \"1\"]\n[FEN \"" + std::string(fen)
-                  + " 0 1\"]\n\n1... Nc6 2. Bb5 a6 3. Ba4 Nf6 4. O-O Be7 5. Re1 b5 6. Bb3 d6 7. c3 O-O \n"
-                    "8. h3 Bb7 9. d4 Re8 10. a4 h6 11. Bc2 exd4 12. cxd4 Nb4 13. d5 Nd7 14. Ra3 \nf5 *\n\n");
+    EXPECT_EQ(
+        read_text_file(dir + "/tmp.pgn"),
+        "[Event \"Unknown\"]\n[SetUp \"1\"]\n[FEN \"" + std::string(fen)
+            + " 0 1\"]\n\n1... c5 2. c3 Qa5 3. Nf3 Nc6 4. g3 Nf6 5. Qe2 d5 6. exd5 Nxd5 7. Bg2 Bg4 \n"
+              "8. h3 Bh5 9. d3 Nd4 10. Qe4 Bxf3 11. Bxf3 Rd8 12. Bd1 Nc6 13. Nd2 Qc7 14. O-O \ne6 15. a4 Bd6 *\n\n");
 }
 
 // Words typed while the engine thinks: perft counts on a record of its
