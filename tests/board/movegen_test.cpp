@@ -89,6 +89,10 @@ TEST(MoveGen, PseudoLegalityOfStoredMoves)
         EXPECT_EQ(is_pseudo_legal(&g->pos, mv("e1", "g1")), c.king_side) << c.fen;
         EXPECT_EQ(is_pseudo_legal(&g->pos, mv("e1", "c1")), c.queen_side) << c.fen;
     }
+    g->pos.chess960 = true; // the king takes his own rook, where a right names it
+    set_test_position(g, "4k3/8/8/8/8/8/8/R3K2R w H -");
+    EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e1", "h1")) && !is_pseudo_legal(&g->pos, mv("e1", "a1")));
+    g->pos.chess960 = false;
     set_test_position(g, "r3k2r/8/8/8/8/8/8/4K3 b q -");
     EXPECT_FALSE(is_pseudo_legal(&g->pos, mv("e8", "g8")));
     EXPECT_TRUE(is_pseudo_legal(&g->pos, mv("e8", "c8")));

@@ -54,8 +54,9 @@ TEST(UciSearch, LimitsAreHonoured)
 {
     Uci u;
     std::vector<std::string> seen;
-    EXPECT_NE(u.go("startpos", "depth 6", &seen), "");
+    std::string best = u.go("startpos", "depth 6", &seen);
     EXPECT_EQ(value_after(last_info(seen), "depth"), 6);
+    EXPECT_EQ(last_info(seen).find(" pv " + best.substr(9, 4) + " "), last_info(seen).rfind(" pv ")) << best;
     for (const std::string& line : seen) // the tables were built at start-up
         EXPECT_EQ(line.find("setting search and eval params"), std::string::npos) << line;
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
 
 namespace
 {
@@ -105,6 +106,20 @@ TEST_F(Evaluation, TraceShowsScaleFactorAndHungPieces)
     EXPECT_NE(trace("4k3/ppp1b3/8/8/8/8/PPP5/3BK3 w - -").find("sf= 0.42"), std::string::npos);
     EXPECT_NE(trace("4k3/8/8/3n4/8/8/8/3RK3 w - -").find("hung pieces on:  d5\n"), std::string::npos);
     EXPECT_EQ(trace("4k3/8/4p3/3n4/8/8/8/3RK3 w - -").find("hung pieces on: "), std::string::npos);
+}
+
+// In the start position every row of the breakdown is the same for both
+// sides, but the one holding the move's tempo.
+TEST_F(Evaluation, TraceRowsOfASymmetricPosition)
+{
+    std::istringstream rows(trace("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -"));
+    int compared = 0, w, k;
+    for (std::string line, label; std::getline(rows, line);)
+        if (std::istringstream(line) >> label >> w >> k && label != "other:") {
+            EXPECT_EQ(w, k) << line;
+            compared++;
+        }
+    EXPECT_EQ(compared, 7);
 }
 
 TEST_F(Evaluation, CachesFromTheSecondPly)

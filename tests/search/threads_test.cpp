@@ -9,7 +9,6 @@
 #include "uci/game.h"
 
 #include <gtest/gtest.h>
-#include <string>
 
 // A helper whose search is stopped before the main thread has its root
 // ready must leave at once: the main thread's root result is still being
@@ -37,20 +36,4 @@ TEST(Threads, HelpersStoppedBeforeTheMainThreadStartsLeaveItAlone)
     EXPECT_EQ(worker_count(), 2);
     harness_start(1);
     EXPECT_EQ(worker_count(), 1);
-}
-
-// The NUMA nodes' CPU lists as sysfs writes them; what cannot be read ends
-// the list.
-TEST(Threads, CpuListsOfTheNodes)
-{
-    auto cpus = [](const char* text) {
-        cpu_set_t set;
-        parse_cpu_list(text, &set);
-        std::string seen;
-        for (int c = 0; c < 10; c++)
-            seen += CPU_ISSET(c, &set) ? "1" : ".";
-        return seen + " ";
-    };
-    EXPECT_EQ(cpus("0-3,8-9\n") + cpus("2,5") + cpus("1,x,3") + cpus("\n"),
-              "1111....11 ..1..1.... .1........ .......... ");
 }
