@@ -93,8 +93,8 @@ TEST_F(TransTableTest, StoreProbeAndRefusals)
     // Mate scores are made relative from 9699 on; 9599..9698 are not.
     tt_store(&t->pos, 5, 9, 0, 9700, -10001, 10001);
     EXPECT_EQ(probe().score, 9705);
-    tt_store(&t->pos, 5, 9, 0, 9650, -10001, 10001);
-    EXPECT_EQ(probe().score, 9650);
+    tt_store(&t->pos, 5, 9, 0, 9698, -10001, 10001);
+    EXPECT_EQ(probe().score, 9698);
     tt_store(&t->pos, 5, 9, 0, -9699, -10001, 10001);
     EXPECT_EQ(probe().score, -9699);
     tt_store(&t->pos, 5, 9, 0, -9700, -10001, 10001);

@@ -101,6 +101,7 @@ TEST_F(Tuner, WhichRowsMoveAndTheSearchSeesThem)
     int fresh = evaluate(&t->pos, &t->eval, t->pos.side, 0, 0, nullptr);
     EXPECT_LT(fresh, old_eval); // trained towards a loss
     EXPECT_EQ(cached, fresh);
+    EXPECT_EQ(t->eval.tuning, 0); // the search's caches are in use again
 
     // Black's lines move the rows, which hold White's view, the other way.
     const char* black = "r1bq1rk1/pp2bppp/2n1pn2/3p4/2PP4/2N1PN2/PP2BPPP/R2QKB1R b KQ -";
