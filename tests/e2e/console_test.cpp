@@ -46,7 +46,8 @@ TEST(Console, GameWordsAndEngineMoves)
     e.send_line("move");
     std::vector<std::string> seen;
     std::string stats = e.wait_for("move= ", 20000, &seen);
-    EXPECT_NE(stats, "");
+    ASSERT_NE(stats.find(", time= "), std::string::npos);
+    EXPECT_LT(std::stod(stats.substr(stats.find(", time= ") + 8)), 60.0) << stats; // the search's own time
     EXPECT_NE(e.wait_for("Hash fill= "), "");
     EXPECT_NE(e.wait_for("2. move "), "");
 
